@@ -1,0 +1,113 @@
+#include "nvshared/app/app_string_loader.h"
+
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+namespace nv_ns {
+namespace {
+
+// Leaves the loader as it found it: with or without an instance, same names.
+class AppStringLoaderTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    hadInstance_ = AppStringLoader::HasInstance();
+    name_ = AppStringLoader::ConstInstance().AppName();
+    altName_ = AppStringLoader::ConstInstance().AltAppName();
+  }
+  void TearDown() override {
+    AppStringLoader::Instance().SetAppName(name_.c_str(), altName_.c_str());
+    if (!hadInstance_) AppStringLoader::Destroy(false);
+  }
+
+ private:
+  bool hadInstance_ = false;
+  std::string name_, altName_;
+};
+
+TEST_F(AppStringLoaderTest, FillsTheTokens) {
+  struct Case {
+    const char* name;
+    const char* altName;
+    bool useAlt;
+    const char* text;
+    const char* expected;
+    bool replaced;
+  };
+  const Case cases[] = {
+      {"trader", "", false, "no tokens", "no tokens", false},
+      {"trader", "", false, "<CapAppName> and <AppName>", "Trader and trader",
+       true},
+      {"Trader", "", false, "<CapAppName>/<AppName>", "Trader/Trader", true},
+      {"tRADER", "", false, "<CapAppName>", "TRADER", true},
+      {"9lives", "", false, "<CapAppName>", "9lives", true},
+      {"\xc3\xa9quipe", "", false, "<CapAppName>", "\xc3\xa9quipe", true},
+      {"ab", "", false, "<AppName><AppName>-<AppName>", "abab-ab", true},
+      {"trader", "", false, "<APPNAME> <appName> <AppName",
+       "<APPNAME> "
+       "<appName> <AppName",
+       false},
+      {"", "", false, "<CapAppName> <AppName>", "<CapAppName> <AppName>",
+       false},
+      {"trader", "", true, "<AppName>", "<AppName>", false},
+      {"trader", "desk", true, "<CapAppName> <AppName>", "Desk desk", true},
+      // The search resumes one byte after each replacement, so a token that
+      // the name completes after its first byte is replaced again.
+      {"a<App", "", false, "<AppName>Name>", "aa<App", true},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(std::string(c.name) + " | " + c.text);
+    AppStringLoader::Instance().SetAppName(c.name, c.altName);
+    std::string text = c.text;
+    EXPECT_EQ(AppStringLoader::LoadAppString(text, c.useAlt), c.replaced);
+    EXPECT_EQ(text, c.expected);
+    std::string copied = "overwritten";
+    EXPECT_EQ(AppStringLoader::LoadAppString(c.text, copied, c.useAlt),
+              c.replaced);
+    EXPECT_EQ(copied, c.expected);
+  }
+}
+
+TEST_F(AppStringLoaderTest, DestroyWithoutFinalStartsAfreshWithoutNames) {
+  AppStringLoader::Instance().SetAppName("trader", "desk");
+  AppStringLoader::Destroy(false);
+  AppStringLoader::Destroy(true);  // no instance: no effect, not even final
+  EXPECT_FALSE(AppStringLoader::HasInstance());
+
+  std::string text = "<AppName>";
+  EXPECT_FALSE(AppStringLoader::LoadAppString(text));  // makes no instance
+  EXPECT_FALSE(AppStringLoader::HasInstance());
+  EXPECT_FALSE(AppStringLoader::LoadAppString("<AppName>", text));
+  EXPECT_EQ(text, "<AppName>");
+  EXPECT_TRUE(AppStringLoader::HasInstance());
+  EXPECT_EQ(AppStringLoader::ConstInstance().AppName(), "");
+  EXPECT_EQ(AppStringLoader::ConstInstance().AltAppName(), "");
+}
+
+// Shutdown is never undone, so it runs in a child process, which reports
+// what failed on standard error.
+void CheckShutdownIsFinal() {
+  AppStringLoader::Instance().SetAppName("trader", "desk");
+  AppStringLoader::Shutdown();
+  AppStringLoader::Instance().SetAppName("again", "again");
+  std::string text = "<AppName>";
+  const char* failure =
+      AppStringLoader::HasInstance() ? "Instance() made a new instance"
+      : AppStringLoader::LoadAppString(text) || text != "<AppName>"
+          ? "the first form substituted"
+      : AppStringLoader::LoadAppString("<CapAppName>", text) ||
+              text != "<CapAppName>"
+          ? "the second form substituted"
+          : nullptr;
+  if (failure != nullptr) std::fprintf(stderr, "%s\n", failure);
+  std::exit(failure == nullptr ? 0 : 1);
+}
+
+TEST(AppStringLoaderDeathTest, ShutdownIsFinal) {
+  EXPECT_EXIT(CheckShutdownIsFinal(), ::testing::ExitedWithCode(0), "");
+}
+
+}  // namespace
+}  // namespace nv_ns

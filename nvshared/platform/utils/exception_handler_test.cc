@@ -1,0 +1,123 @@
+#include "nvshared/platform/utils/exception_handler.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "nvshared/platform/log/logger.h"
+#include "nvshared/platform/log/memory_sink.h"
+
+namespace nv_ns {
+namespace {
+
+// Records what it hears into a shared journal, after running `action`.
+class RecordingHandler : public ExceptionHandler {
+ public:
+  RecordingHandler(std::vector<std::string>& journal, std::string name)
+      : journal_(journal), name_(std::move(name)) {}
+  void OnException(unsigned int code, const char* text) override {
+    if (action) action();
+    journal_.push_back(name_ + " " + std::to_string(code) + ":" + text);
+  }
+  std::function<void()> action;
+
+ private:
+  std::vector<std::string>& journal_;
+  std::string name_;
+};
+
+// Puts the chain back as it was.
+class ChainRestorer {
+ public:
+  ChainRestorer() : saved_(ExceptionHandler::Handlers()) {}
+  ~ChainRestorer() {
+    for (ExceptionHandler* h : ExceptionHandler::Handlers()) {
+      ExceptionHandler::RemoveExceptionHandler(*h);
+    }
+    for (ExceptionHandler* h : saved_)
+      ExceptionHandler::AddExceptionHandler(*h);
+  }
+
+ private:
+  std::vector<ExceptionHandler*> saved_;
+};
+
+TEST(ExceptionHandler, DefaultHandlerIsRegisteredAndLogs) {
+  auto log = std::make_shared<dv_log::MemorySink>();
+  auto savedSink = dv_log::GetCustomLog()->SetSink(log);
+  EXPECT_EQ(
+      ExceptionHandler::Handlers(),
+      std::vector<ExceptionHandler*>{&ExceptionHandler::s_defaultHandler});
+  ExceptionHandler::Raise(42, "access violation");
+  dv_log::GetCustomLog()->SetSink(savedSink);
+
+  const auto records = log->Records();
+  ASSERT_EQ(records.size(), 1u);
+  EXPECT_EQ(records[0].text, "access violation");
+  EXPECT_EQ(static_cast<int>(records[0].severity), -1);
+  EXPECT_EQ(records[0].code, 42u);
+}
+
+TEST(ExceptionHandler, RaiseReachesEachRegisteredHandlerOnceInOrder) {
+  ChainRestorer restorer;
+  ExceptionHandler::RemoveExceptionHandler(ExceptionHandler::s_defaultHandler);
+  std::vector<std::string> journal;
+  RecordingHandler first(journal, "first"), removed(journal, "removed"),
+      last(journal, "last");
+  first.action = [&] {
+    ExceptionHandler::RemoveExceptionHandler(removed);
+    throw std::runtime_error("a handler that throws stops no one");
+  };
+  ExceptionHandler::AddExceptionHandler(first);
+  ExceptionHandler::AddExceptionHandler(removed);
+  ExceptionHandler::AddExceptionHandler(last);
+  ExceptionHandler::AddExceptionHandler(first);  // already there: stays first
+
+  EXPECT_NO_THROW(ExceptionHandler::Raise(1, "a"));
+  first.action = nullptr;
+  ExceptionHandler::Raise(2, nullptr);
+  EXPECT_EQ(journal,
+            (std::vector<std::string>{"last 1:a", "first 2:", "last 2:"}));
+}
+
+class Counting : public ExceptionHandler {
+ public:
+  void OnException(unsigned int, const char*) override { ++count; }
+  std::atomic<int> count{0};
+};
+
+// Reports raised on several threads while another registers and removes a
+// handler: a handler registered throughout hears every report once.
+TEST(ExceptionHandlerConcurrency, RaiseWhileRegistering) {
+  ChainRestorer restorer;
+  ExceptionHandler::RemoveExceptionHandler(ExceptionHandler::s_defaultHandler);
+  Counting steady, coming;
+  ExceptionHandler::AddExceptionHandler(steady);
+
+  constexpr int kThreads = 4;
+  constexpr int kPerThread = 500;
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([] {
+      for (int i = 0; i < kPerThread; ++i) ExceptionHandler::Raise(1, "x");
+    });
+  }
+  threads.emplace_back([&coming] {
+    for (int i = 0; i < kPerThread; ++i) {
+      ExceptionHandler::AddExceptionHandler(coming);
+      ExceptionHandler::RemoveExceptionHandler(coming);
+    }
+  });
+  for (std::thread& t : threads) t.join();
+  EXPECT_EQ(steady.count, kThreads * kPerThread);
+}
+
+}  // namespace
+}  // namespace nv_ns
