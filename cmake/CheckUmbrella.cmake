@@ -1,0 +1,17 @@
+# Fails unless UMBRELLA includes every header of the list HEADERS (paths from
+# the repository root).
+file(READ "${UMBRELLA}" text)
+set(missing "")
+foreach(header IN LISTS HEADERS)
+  if(header STREQUAL "nvshared/nvshared.h")
+    continue()
+  endif()
+  string(FIND "${text}" "#include \"${header}\"" at)
+  if(at EQUAL -1)
+    list(APPEND missing "${header}")
+  endif()
+endforeach()
+if(missing)
+  list(JOIN missing "\n  " lines)
+  message(FATAL_ERROR "nvshared/nvshared.h does not include:\n  ${lines}")
+endif()

@@ -1,0 +1,39 @@
+# Stages an install of the build and builds examples/consumer against it, by
+# find_package and by pkg-config, then runs both. Run by CTest as
+# `cmake -P` with BUILD_DIR, SOURCE_DIR, WORK_DIR, GENERATOR, CXX and LIBDIR.
+file(REMOVE_RECURSE "${WORK_DIR}")
+set(stage "${WORK_DIR}/stage")
+
+function(step)
+  execute_process(COMMAND ${ARGN} RESULT_VARIABLE rc OUTPUT_VARIABLE out
+                  ERROR_VARIABLE err)
+  if(NOT rc EQUAL 0)
+    message(FATAL_ERROR "failed (${rc}): ${ARGN}\n${out}\n${err}")
+  endif()
+  set(step_output "${out}" PARENT_SCOPE)
+endfunction()
+
+step(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${stage}")
+
+# find_package(nvshared CONFIG REQUIRED)
+step(${CMAKE_COMMAND} -S "${SOURCE_DIR}/examples/consumer"
+     -B "${WORK_DIR}/cmake-build" -G "${GENERATOR}"
+     -DCMAKE_CXX_COMPILER=${CXX} -DCMAKE_PREFIX_PATH=${stage})
+step(${CMAKE_COMMAND} --build "${WORK_DIR}/cmake-build")
+step("${WORK_DIR}/cmake-build/consumer")
+if(NOT step_output MATCHES "CME-A \\(Globex\\) is on market CME")
+  message(FATAL_ERROR "unexpected output:\n${step_output}")
+endif()
+
+# pkg-config --cflags --libs nvshared
+find_program(PKG_CONFIG pkg-config REQUIRED)
+set(ENV{PKG_CONFIG_PATH} "${stage}/${LIBDIR}/pkgconfig")
+step(${PKG_CONFIG} --cflags --libs nvshared)
+string(STRIP "${step_output}" flags)
+separate_arguments(flags UNIX_COMMAND "${flags}")
+step(${CXX} "${SOURCE_DIR}/examples/consumer/main.cc" ${flags}
+     "-Wl,-rpath,${stage}/${LIBDIR}" -o "${WORK_DIR}/pkgconfig-consumer")
+step("${WORK_DIR}/pkgconfig-consumer")
+if(NOT step_output MATCHES "CME-A \\(Globex\\) is on market CME")
+  message(FATAL_ERROR "unexpected output:\n${step_output}")
+endif()

@@ -1,0 +1,27 @@
+// The umbrella header: every public header of nvshared. A host may include
+// this one or just the headers it needs.
+#ifndef NVSHARED_NVSHARED_H_
+#define NVSHARED_NVSHARED_H_
+
+#include "nvshared/export.h"
+#include "nvshared/status.h"
+#include "nvshared/version.h"  // generated into the build tree
+
+// Market model.
+#include "nvshared/market/core_product_id.h"
+#include "nvshared/market/exchange_names.h"
+#include "nvshared/market/market_types.h"
+#include "nvshared/market/market_utils.h"
+
+// Platform: the core's types and lookups over the reference data.
+#include "nvshared/platform/core/agile_enums.h"
+#include "nvshared/platform/core/char_ptr_wrapper.h"
+#include "nvshared/platform/core/consumer.h"
+#include "nvshared/platform/core/core_class.h"
+#include "nvshared/platform/core/date_time.h"
+#include "nvshared/platform/core/ids.h"
+#include "nvshared/platform/core/legs.h"
+#include "nvshared/platform/core/market_table.h"
+#include "nvshared/platform/core/reference_data.h"
+
+#endif  // NVSHARED_NVSHARED_H_

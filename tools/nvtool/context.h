@@ -1,0 +1,35 @@
+// What the subcommands of nvtool share: the reference data to load and the
+// streams to write to. Subcommands print to `out`; a failure is one line on
+// `err` and a non-zero exit status.
+#ifndef NVSHARED_TOOLS_NVTOOL_CONTEXT_H_
+#define NVSHARED_TOOLS_NVTOOL_CONTEXT_H_
+
+#include <iosfwd>
+#include <string>
+
+#include <CLI/CLI.hpp>
+
+#include "nvshared/status.h"
+
+namespace nvtool {
+
+// The bundled sample reference data, compiled in.
+extern const char* const kEmbeddedReferenceData;
+
+struct Context {
+  // --refdata: a file to use instead of the bundled data.
+  std::string refdataPath;
+  std::ostream* out;
+  std::ostream* err;
+
+  // Installs the reference data named by --refdata, or the bundled data.
+  nvshared::Status LoadReferenceData() const;
+};
+
+// Each subcommand adds itself to the application.
+void AddExchangesCommand(CLI::App& app, Context& context);
+void AddDemoCommand(CLI::App& app, Context& context);
+
+}  // namespace nvtool
+
+#endif  // NVSHARED_TOOLS_NVTOOL_CONTEXT_H_

@@ -1,0 +1,47 @@
+// nvtool: support and demonstration tool over libnvshared.
+#include <iostream>
+
+#include <CLI/CLI.hpp>
+
+#include "nvshared/version.h"
+#include "tools/nvtool/context.h"
+
+int main(int argc, char** argv) {
+  nvtool::Context context{"", &std::cout, &std::cerr};
+
+  CLI::App app{
+      "nvtool - support and demonstration tool over the nvshared library.\n"
+      "Runs on the bundled sample reference data unless --refdata names a "
+      "file.",
+      "nvtool"};
+  app.set_version_flag("--version", NVSHARED_VERSION_STRING);
+  app.require_subcommand(1);
+  app.option_defaults()->always_capture_default();
+  app.add_option("--refdata", context.refdataPath,
+                 "Reference-data JSON file to use instead of the bundled "
+                 "sample")
+      ->check(CLI::ExistingFile)
+      ->type_name("FILE");
+
+  nvtool::AddExchangesCommand(app, context);
+  nvtool::AddDemoCommand(app, context);
+
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::CallForHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::CallForAllHelp& e) {
+    return app.exit(e);
+  } catch (const CLI::CallForVersion& e) {
+    return app.exit(e);
+  } catch (const CLI::ParseError& e) {
+    // One line, then where to look for more.
+    std::cerr << "nvtool: " << e.what() << "\n"
+              << "Run 'nvtool --help' for usage.\n";
+    return e.get_exit_code() == 0 ? 2 : e.get_exit_code();
+  } catch (const std::exception& e) {
+    std::cerr << "nvtool: " << e.what() << "\n";
+    return 1;
+  }
+  return 0;
+}

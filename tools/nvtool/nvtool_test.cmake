@@ -1,0 +1,53 @@
+# End-to-end checks of nvtool, run by CTest as `cmake -P`:
+#   -DNVTOOL=<binary> -DSOURCE_DIR=<repository> -DWORK_DIR=<scratch dir>
+file(REMOVE_RECURSE "${WORK_DIR}")
+file(MAKE_DIRECTORY "${WORK_DIR}")
+
+# run(<expected exit> <stdout must match> <stderr must match> args...)
+function(run expected_rc out_regex err_regex)
+  execute_process(COMMAND "${NVTOOL}" ${ARGN}
+    RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
+  if(expected_rc STREQUAL "nonzero")
+    if(rc EQUAL 0)
+      message(SEND_ERROR "nvtool ${ARGN}: exit 0, expected non-zero\n${out}")
+    endif()
+  elseif(NOT rc EQUAL expected_rc)
+    message(SEND_ERROR "nvtool ${ARGN}: exit ${rc}, expected ${expected_rc}\n${out}${err}")
+  endif()
+  if(NOT out MATCHES "${out_regex}")
+    message(SEND_ERROR "nvtool ${ARGN}: stdout does not match '${out_regex}':\n${out}")
+  endif()
+  if(NOT err MATCHES "${err_regex}")
+    message(SEND_ERROR "nvtool ${ARGN}: stderr does not match '${err_regex}':\n${err}")
+  endif()
+endfunction()
+
+# Help on every level.
+run(0 "exchanges.*demo" "^$" --help)
+run(0 "--tsv" "^$" exchanges --help)
+run(0 "Usage" "^$" demo --help)
+
+# exchanges on the bundled data: flavoured names, the DV rule, eCBOT.
+run(0 "7  +CME-A  +CME-A \\(Globex\\)  +7  +CME  +no  +no  +no" "^$" exchanges)
+run(0 "^0\tDV\tDV\t84\tLegwise\tyes\tno\tno\n" "^$" exchanges --tsv --no-header)
+run(0 "\n3\teCBOT-A\teCBOT-A \\(Electronic\\)\t6\tCBOT\tno\tno\tyes\n" "^$"
+    exchanges --tsv)
+
+# A file given with --refdata replaces the bundled data.
+file(WRITE "${WORK_DIR}/small.json" [=[
+{"exchanges": [{"id": 5, "name": "TOCOM", "market": "TOCOM", "alias": "Tokyo"}]}
+]=])
+run(0 "^ID\tNAME\tFLAVOURED NAME\tMARKET\tMARKET NAME\tSYNTHETIC\tFIX\tECBOT\n5\tTOCOM\tTOCOM \\(Tokyo\\)\t68\tTOCOM\tno\tno\tno\n$"
+    "^$" --refdata "${WORK_DIR}/small.json" exchanges --tsv)
+
+# Errors: one line naming the problem, non-zero exit.
+file(WRITE "${WORK_DIR}/bad.json" [=[{"exchanges": [{"id": 5, "name": "X", "market": "Nowhere"}]}]=])
+run(1 "^$" "^nvtool: .*bad.json: exchanges\\[0\\] \\(X\\): unknown market \"Nowhere\"\nRun"
+    --refdata "${WORK_DIR}/bad.json" exchanges)
+run(nonzero "^$" "^nvtool: .*missing.json" --refdata "${WORK_DIR}/missing.json" exchanges)
+run(nonzero "^$" "^nvtool: " no-such-command)
+run(nonzero "^$" "^nvtool: " )
+
+# demo runs on the bundled data and on a given file.
+run(0 "Reference data: " "" demo)
+run(0 "Reference data: 1 exchanges" "" --refdata "${WORK_DIR}/small.json" demo)
