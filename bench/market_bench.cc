@@ -4,11 +4,11 @@
 // comparators and matching loops; each is measured beside the direct core
 // lookup it caches, on the bundled sample reference data, in one binary so
 // that the ratio holds on a noisy machine.
-#include <benchmark/benchmark.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <vector>
+
+#include <benchmark/benchmark.h>
 
 #include "nvshared/market/exchange_names.h"
 #include "nvshared/market/market_utils.h"
@@ -48,12 +48,14 @@ void Run(benchmark::State& state, Lookup lookup) {
 }
 
 void BM_MarketFromExchange_Cached(benchmark::State& state) {
-  Run(state, [](int id) { return nv_ns::MarketUtils::GetMarketFromExchange(id); });
+  Run(state,
+      [](int id) { return nv_ns::MarketUtils::GetMarketFromExchange(id); });
 }
 BENCHMARK(BM_MarketFromExchange_Cached)->ThreadRange(1, 2);
 
 void BM_MarketFromExchange_Core(benchmark::State& state) {
-  Run(state, [](int id) { return dv_core_ns::CDVConsumer::GetMarketFromExch(id); });
+  Run(state,
+      [](int id) { return dv_core_ns::CDVConsumer::GetMarketFromExch(id); });
 }
 BENCHMARK(BM_MarketFromExchange_Core)->ThreadRange(1, 2);
 
@@ -68,7 +70,8 @@ void BM_ExchangeName_CachedFlavoured(benchmark::State& state) {
 BENCHMARK(BM_ExchangeName_CachedFlavoured)->ThreadRange(1, 2);
 
 void BM_ExchangeName_Core(benchmark::State& state) {
-  Run(state, [](int id) { return dv_core_ns::CDVConsumer::GetExchangeName(id); });
+  Run(state,
+      [](int id) { return dv_core_ns::CDVConsumer::GetExchangeName(id); });
 }
 BENCHMARK(BM_ExchangeName_Core)->ThreadRange(1, 2);
 

@@ -13,6 +13,12 @@
 #include "nvshared/market/market_types.h"
 #include "nvshared/market/market_utils.h"
 
+// Application services.
+#include "nvshared/app/app_string_loader.h"
+#include "nvshared/app/error_log.h"
+#include "nvshared/app/exception_report.h"
+#include "nvshared/app/module.h"
+
 // Platform: the core's types and lookups over the reference data.
 #include "nvshared/platform/core/agile_enums.h"
 #include "nvshared/platform/core/char_ptr_wrapper.h"
@@ -23,5 +29,16 @@
 #include "nvshared/platform/core/legs.h"
 #include "nvshared/platform/core/market_table.h"
 #include "nvshared/platform/core/reference_data.h"
+
+// Platform: logger, operating-system services, handler chain, diagnostics.
+#include "nvshared/platform/log/file_sink.h"
+#include "nvshared/platform/log/log_sink.h"
+#include "nvshared/platform/log/logger.h"
+#include "nvshared/platform/log/memory_sink.h"
+#include "nvshared/platform/os/module_handle.h"
+#include "nvshared/platform/os/process_name.h"
+#include "nvshared/platform/os/wide_text.h"
+#include "nvshared/platform/utils/dm_utils.h"
+#include "nvshared/platform/utils/exception_handler.h"
 
 #endif  // NVSHARED_NVSHARED_H_

@@ -2,6 +2,8 @@
 
 #include <cctype>
 #include <cstring>
+#include <string>
+#include <string_view>
 
 namespace nv_ns {
 
@@ -22,12 +24,21 @@ constexpr const char* kCapAppNameToken = "<CapAppName>";
 int ReplaceAll(std::string& text, const char* token, const char* value) {
   if (token == nullptr || value == nullptr || text.empty()) return 0;
   const std::size_t tokenSize = std::strlen(token);
+  const std::string_view inserted(value);
+  // The next search starts one character after the replaced token, not after
+  // the inserted value, so a value holding the token past its first
+  // character is replaced again. Such a value would make that loop endless;
+  // for it alone the search goes on after the inserted value instead.
+  const bool valueRepeatsToken =
+      inserted.size() > 1 && inserted.find(std::string_view(token, tokenSize),
+                                           1) != std::string_view::npos;
+  const std::size_t step = valueRepeatsToken ? inserted.size() : 1;
   int count = 0;
   std::size_t p = text.find(token, 0, tokenSize);
   while (p != std::string::npos) {
     ++count;
     text.replace(p, tokenSize, value);
-    p = text.find(token, p + 1, tokenSize);
+    p = text.find(token, p + step, tokenSize);
   }
   return count;
 }

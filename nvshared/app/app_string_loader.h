@@ -34,9 +34,11 @@ class NVSHARED_API AppStringLoader {
   static void Shutdown();
 
   // Sets the primary and the alternative name. Neither may be null; a null
-  // one is taken as empty. A name must not hold a token: substitution looks
-  // for the token again just after each place it replaced, so a name with a
-  // token after its first character makes it grow without end.
+  // one is taken as empty. A name should not hold a token: substitution
+  // looks for the token again one character after each place it replaced,
+  // so a name holding it at its start is replaced inside again. A name
+  // holding it further on would make that endless; there the search resumes
+  // after the inserted name instead.
   void SetAppName(const char* name, const char* altName);
   const std::string& AppName() const { return m_appName; }
   const std::string& AltAppName() const { return m_altAppName; }

@@ -1,10 +1,10 @@
 #include "nvshared/app/app_string_loader.h"
 
-#include <gtest/gtest.h>
-
 #include <cstdio>
 #include <cstdlib>
 #include <string>
+
+#include <gtest/gtest.h>
 
 namespace nv_ns {
 namespace {
@@ -56,6 +56,12 @@ TEST_F(AppStringLoaderTest, FillsTheTokens) {
       // The search resumes one byte after each replacement, so a token that
       // the name completes after its first byte is replaced again.
       {"a<App", "", false, "<AppName>Name>", "aa<App", true},
+      // A name that starts with the token is not found again; one that holds
+      // it further on would loop for ever, so there the search skips the
+      // inserted name.
+      {"<AppName>!", "", false, "<AppName>", "<AppName>!", true},
+      {"x<AppName>", "", false, "<AppName> <AppName>", "x<AppName> x<AppName>",
+       true},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.name) + " | " + c.text);

@@ -1,13 +1,13 @@
 #include "nvshared/app/error_log.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "nvshared/app/app_string_loader.h"
 #include "nvshared/app/exception_report.h"

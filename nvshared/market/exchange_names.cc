@@ -25,9 +25,8 @@ FlavouredNames& Flavoured() {
   return *names;
 }
 
-constexpr const char* kMonths[12] = {"Jan", "Feb", "Mar", "Apr",
-                                     "May", "Jun", "Jul", "Aug",
-                                     "Sep", "Oct", "Nov", "Dec"};
+constexpr const char* kMonths[12] = {"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                     "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
 
 }  // namespace
 
@@ -46,7 +45,8 @@ int GetExchangeID(const char* name, bool flavored) {
 const char* GetExchangeName(int exchangeId, bool flavored) {
   // The plain name first, outside the flavoured lock, so the two locks never
   // nest the other way round.
-  const std::string& plain = nv_ns::MarketUtilsInternal::ExchangeName(exchangeId);
+  const std::string& plain =
+      nv_ns::MarketUtilsInternal::ExchangeName(exchangeId);
   if (plain.empty()) return "";
   const dv_core_ns::AEnum_ExchNameAliases alias(exchangeId);
   if (!flavored || alias == -1 ||
@@ -71,7 +71,8 @@ bool FormatDate(const dv_core_ns::Date& date, char* buffer) {
     return false;
   }
   std::snprintf(buffer, 8, "%02u%s%02u", static_cast<unsigned>(date.day % 100),
-                kMonths[date.month - 1], static_cast<unsigned>(date.year % 100));
+                kMonths[date.month - 1],
+                static_cast<unsigned>(date.year % 100));
   return true;
 }
 

@@ -1,10 +1,9 @@
 #include "nvshared/market/exchange_names.h"
 
-#include <gtest/gtest.h>
+#include <cstring>
 
 #include <arpa/inet.h>
-
-#include <cstring>
+#include <gtest/gtest.h>
 
 #include "nvshared/testing/reference_fixture.h"
 
@@ -55,11 +54,11 @@ TEST(FormatDateTest, Forms) {
     const char* text;
   };
   const Case cases[] = {
-      {{5, 3, 2014}, true, "05Mar14"},  {{31, 12, 1999}, true, "31Dec99"},
-      {{1, 1, 2100}, true, "01Jan00"},  {{1, 1, 7}, true, "01Jan07"},
-      {{0, 3, 2014}, false, ""},        // month-and-year dates are refused
-      {{5, 0, 2014}, false, ""},        {{5, 13, 2014}, false, ""},
-      {{5, 3, 0}, false, ""},           {{-1, 3, 2014}, false, ""},
+      {{5, 3, 2014}, true, "05Mar14"}, {{31, 12, 1999}, true, "31Dec99"},
+      {{1, 1, 2100}, true, "01Jan00"}, {{1, 1, 7}, true, "01Jan07"},
+      {{0, 3, 2014}, false, ""},  // month-and-year dates are refused
+      {{5, 0, 2014}, false, ""},       {{5, 13, 2014}, false, ""},
+      {{5, 3, 0}, false, ""},          {{-1, 3, 2014}, false, ""},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.text);
@@ -80,7 +79,7 @@ TEST(FormatTimeTest, Forms) {
   const Case cases[] = {
       {{9, 5, 7, 42}, true, "09:05:07.042"},
       {{23, 59, 59, 999}, true, "23:59:59.999"},
-      {{0, 0, 0, 1234}, true, "00:00:00.234"},  // modulo 1000
+      {{0, 0, 0, 1234}, true, "00:00:00.234"},   // modulo 1000
       {{123, 99, 60, 0}, true, "23:99:60.000"},  // no range check past that
       {{-1, 0, 0, 0}, false, ""},
       {{0, 0, 0, -5}, false, ""},

@@ -40,7 +40,7 @@ struct BuySell {
   enum Value : char { Buy = 'B', Sell = 'S' };
 
   BuySell() = default;
-  BuySell(Value v) : code(v) {}  // NOLINT: implicit by design
+  BuySell(Value v) : code(v) {}           // NOLINT: implicit by design
   operator char() const { return code; }  // NOLINT: implicit by design
 
   char code = Buy;

@@ -1,11 +1,11 @@
 #include "nvshared/market/market_utils.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <cstdlib>
 #include <thread>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "nvshared/market/core_product_id.h"
 #include "nvshared/market/exchange_names.h"
@@ -27,10 +27,14 @@ TEST_F(MarketUtilsTest, MarketFromExchange) {
     int market;
   };
   const Case cases[] = {
-      {0, 84},    // DV counts as Legwise, whatever the core says (31)
-      {7, 7},     {2, 6},   {30, 3}, {20, 85},
-      {11, -1},   // no such exchange
-      {-1, -1},   {179, -1},
+      {0, 84},  // DV counts as Legwise, whatever the core says (31)
+      {7, 7},
+      {2, 6},
+      {30, 3},
+      {20, 85},
+      {11, -1},  // no such exchange
+      {-1, -1},
+      {179, -1},
       {nvshared::testing::kTestExchangeIdCount, -1},  // EnumMax() itself
       {100000, -1},
   };
@@ -50,13 +54,13 @@ TEST_F(MarketUtilsTest, Classifications) {
     bool synthetic, fix, ecbot;
   };
   const Case cases[] = {
-      {0, true, false, false},    // exchange 0 is on Legwise by rule
+      {0, true, false, false},  // exchange 0 is on Legwise by rule
       {1, false, false, false},   {2, false, false, false},  // CBOT-A
-      {3, false, false, true},    // eCBOT-A on CBOT
-      {4, false, false, false},   // "ecbot": compared with case
-      {5, false, false, false},   // "eCBOT" but not on CBOT
+      {3, false, false, true},                               // eCBOT-A on CBOT
+      {4, false, false, false},  // "ecbot": compared with case
+      {5, false, false, false},  // "eCBOT" but not on CBOT
       {7, false, false, false},   {9, false, true, false},
-      {12, false, true, false},   // FIX by number alone: no such exchange
+      {12, false, true, false},  // FIX by number alone: no such exchange
       {20, true, false, false},   {21, true, false, false},
       {22, true, false, false},   {11, false, false, false},
       {98, false, true, false},   {173, false, true, false},
@@ -110,10 +114,11 @@ TEST_F(MarketUtilsTest, ConcurrencyCachesAgreeAcrossThreads) {
       for (int i = 0; i < 2000; ++i) {
         const int id = (i * 7 + t) % 200 - 10;
         const int market = MarketUtils::GetMarketFromExchange(id);
-        const int expected = id == 0 ? 84
-                             : (id < 0 || id >= 180)
-                                 ? -1
-                                 : dv_core_ns::CDVConsumer::GetMarketFromExch(id);
+        const int expected =
+            id == 0 ? 84
+            : (id < 0 || id >= 180)
+                ? -1
+                : dv_core_ns::CDVConsumer::GetMarketFromExch(id);
         if (market != expected) ++wrong;
         const char* flavoured = nv_fmt::GetExchangeName(7, true);
         if (std::string(flavoured) != "CME-A (Globex)") ++wrong;

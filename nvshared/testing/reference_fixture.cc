@@ -66,7 +66,8 @@ std::unique_ptr<const dv_core_ns::ReferenceData> BuildTestReferenceData() {
   legs[1] = {7, "ESM4", -1, 0, {{1003, "far"}}};
   Must(b.AddSeries(calendar, legs));
   // A spread whose legs the data does not know.
-  Must(b.AddSeries(Series(7, dv_core_ns::SPREAD, "ES", "ESU4-ESZ4", {0, 9, 2014})));
+  Must(b.AddSeries(
+      Series(7, dv_core_ns::SPREAD, "ES", "ESU4-ESZ4", {0, 9, 2014})));
 
   auto built = b.Build();
   if (!built.ok()) throw std::logic_error(built.status().message());

@@ -36,8 +36,8 @@ std::vector<std::vector<std::string>> Rows() {
 
 void Print(std::ostream& out, const Options& options) {
   const std::vector<std::string> header = {
-      "ID", "NAME", "FLAVOURED NAME", "MARKET", "MARKET NAME",
-      "SYNTHETIC", "FIX", "ECBOT"};
+      "ID",        "NAME", "FLAVOURED NAME", "MARKET", "MARKET NAME",
+      "SYNTHETIC", "FIX",  "ECBOT"};
   std::vector<std::vector<std::string>> rows = Rows();
   if (!options.noHeader) rows.insert(rows.begin(), header);
   if (options.tsv) {

@@ -13,12 +13,23 @@ struct TypeName {
 };
 
 constexpr std::array<TypeName, 18> kProductTypes = {{
-    {INVALID, "INVALID"},     {FUTURE, "FUTURE"},     {SPREAD, "SPREAD"},
-    {OPTION, "OPTION"},       {STRATEGY, "STRATEGY"}, {STOCK, "STOCK"},
-    {BOND, "BOND"},           {SWAP, "SWAP"},         {WARRANT, "WARRANT"},
-    {ENERGY, "ENERGY"},       {FOREX, "FOREX"},       {LEGWISE, "LEGWISE"},
-    {NDF, "NDF"},             {CFD, "CFD"},           {INDEX, "INDEX"},
-    {ALGO, "ALGO"},           {AGGREGATOR, "AGGREGATOR"},
+    {INVALID, "INVALID"},
+    {FUTURE, "FUTURE"},
+    {SPREAD, "SPREAD"},
+    {OPTION, "OPTION"},
+    {STRATEGY, "STRATEGY"},
+    {STOCK, "STOCK"},
+    {BOND, "BOND"},
+    {SWAP, "SWAP"},
+    {WARRANT, "WARRANT"},
+    {ENERGY, "ENERGY"},
+    {FOREX, "FOREX"},
+    {LEGWISE, "LEGWISE"},
+    {NDF, "NDF"},
+    {CFD, "CFD"},
+    {INDEX, "INDEX"},
+    {ALGO, "ALGO"},
+    {AGGREGATOR, "AGGREGATOR"},
     {PRODID_UNKNOWN, "Unknown"},
 }};
 

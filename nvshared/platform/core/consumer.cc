@@ -81,7 +81,8 @@ std::string DVTick::PriceIntToString(long long price, const SeriesID* series,
   std::string digits = std::to_string(magnitude);
   if (decimals > 0) {
     const auto width = static_cast<std::size_t>(decimals);
-    if (digits.size() <= width) digits.insert(0, width + 1 - digits.size(), '0');
+    if (digits.size() <= width)
+      digits.insert(0, width + 1 - digits.size(), '0');
     digits.insert(digits.size() - width, 1, '.');
   }
   return negative ? "-" + digits : digits;

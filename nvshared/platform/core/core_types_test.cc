@@ -1,7 +1,7 @@
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <string>
+
+#include <gtest/gtest.h>
 
 #include "nvshared/platform/core/agile_enums.h"
 #include "nvshared/platform/core/consumer.h"
@@ -109,7 +109,8 @@ TEST(LegsTest, ReferenceDataSharesAndFullListsCopy) {
   FullLegList again;
   again = list;
   EXPECT_EQ(again.combCode, 516);
-  EXPECT_NE(again.legs[0].GetSharedSeriesID(), list.legs[0].GetSharedSeriesID());
+  EXPECT_NE(again.legs[0].GetSharedSeriesID(),
+            list.legs[0].GetSharedSeriesID());
   EXPECT_EQ(*again.legs[0].GetSharedSeriesID(), near);
 
   FullLeg copy = full.legs[1];
@@ -128,10 +129,17 @@ TEST(MarketTableTest, RowsAndNames) {
     int id;
     const char* name;
   };
-  const Case cases[] = {{-1, "DV_INVALID_MARKET_ID"}, {0, "DV_MIN_MARKET_ID"},
-                        {16, "LIFFE-EO"}, {33, "FIX"},   {34, "FIX-A"},
-                        {42, "FIX-I"},    {43, "COREEX"}, {44, "FIX-J"},
-                        {60, "FIX-Z"},    {61, "Nymex"},  {84, "Legwise"},
+  const Case cases[] = {{-1, "DV_INVALID_MARKET_ID"},
+                        {0, "DV_MIN_MARKET_ID"},
+                        {16, "LIFFE-EO"},
+                        {33, "FIX"},
+                        {34, "FIX-A"},
+                        {42, "FIX-I"},
+                        {43, "COREEX"},
+                        {44, "FIX-J"},
+                        {60, "FIX-Z"},
+                        {61, "Nymex"},
+                        {84, "Legwise"},
                         {104, "SGX_OTC"}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.id);
@@ -157,8 +165,8 @@ TEST(MarketTableTest, SpreadTypeNames) {
 }
 
 TEST(ProductTypeTest, NamesRoundTrip) {
-  for (int v : {0, 1, 2, 3, 4, 5, 6, 7, 8, 30, 31, 32, 33, 34, 35, 36, 37,
-                500}) {
+  for (int v :
+       {0, 1, 2, 3, 4, 5, 6, 7, 8, 30, 31, 32, 33, 34, 35, 36, 37, 500}) {
     SCOPED_TRACE(v);
     EXPECT_EQ(AEnum_ProdIDs::FromName(AEnum_ProdIDs::Name(v)), v);
   }
@@ -244,9 +252,12 @@ TEST_F(ConsumerTest, PriceIntToString) {
     const char* text;
   };
   const Case cases[] = {
-      {12345, &es, "123.45"},     {5, &es, "0.05"},
-      {-5, &es, "-0.05"},         {0, &es, "0.00"},
-      {-12345, &es, "-123.45"},   {12345, &unknown, "12345"},
+      {12345, &es, "123.45"},
+      {5, &es, "0.05"},
+      {-5, &es, "-0.05"},
+      {0, &es, "0.00"},
+      {-12345, &es, "-123.45"},
+      {12345, &unknown, "12345"},
       {12345, nullptr, "12345"},
       {LLONG_MIN, nullptr, "-9223372036854775808"},
       {LLONG_MIN, &es, "-92233720368547758.08"},

@@ -40,11 +40,11 @@ bool SeriesID::SetSeriesKey(std::string_view key) {
 }
 
 bool SeriesID::operator==(const SeriesID& o) const {
-  return product == o.product &&
-         std::strcmp(seriesKey, o.seriesKey) == 0 && expiry == o.expiry &&
-         contractExpiry == o.contractExpiry && strike == o.strike &&
-         strikeDivisor == o.strikeDivisor && callPut == o.callPut &&
-         versionCode == o.versionCode && combCode == o.combCode;
+  return product == o.product && std::strcmp(seriesKey, o.seriesKey) == 0 &&
+         expiry == o.expiry && contractExpiry == o.contractExpiry &&
+         strike == o.strike && strikeDivisor == o.strikeDivisor &&
+         callPut == o.callPut && versionCode == o.versionCode &&
+         combCode == o.combCode;
 }
 
 }  // namespace dv_core_ns

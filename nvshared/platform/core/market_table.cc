@@ -117,92 +117,92 @@ constexpr std::array<MarketRow, 106> kMarkets = {{
 
 // Index 0 is 501: 500 means no spread type and has no name.
 constexpr std::array<const char*, 86> kCombCodeNames = {
-    "Strangle",  // 501
-    "Straddle",  // 502
-    "Guts",  // 503
-    "Ladder",  // 504
-    "Volatility Trade",  // 505
-    "Iron BFly",  // 506
-    "Box",  // 507
-    "Combo",  // 508
-    "2X1 Ratio",  // 509
-    "Misc. Call/Put Spread",  // 510
-    "Conversion/Reversal",  // 511
-    "Diag Calendar",  // 512
-    "Strad Calendar",  // 513
-    "Diag Strad Calendar",  // 514
-    "Inter-Product",  // 515
-    "Calendar",  // 516
-    "Condor",  // 517
-    "Butterfly",  // 518
-    "Strip",  // 519
-    "Pack",  // 520
-    "Bundle",  // 521
-    "Synthetic Conv/Rev",  // 522
-    "Call Spread vs. Put",  // 523
-    "Put Spread vs. Call",  // 524
-    "Straddle vs. Call/Put",  // 525
-    "Hedged Call/Put Spread",  // 526
-    "Hedged Straddle",  // 527
-    "Hedged Call Spread versus Put",  // 528
-    "Hedged Put Spread versus Call",  // 529
-    "Hedged Ladder",  // 530
-    "Hedged Combo",  // 531
-    "Vol 1x2 Ratio",  // 532
-    "Vol Calendar",  // 533
-    "Jelly Roll",  // 534
-    "Iron Condor",  // 535
-    "Option Strip",  // 536
-    "Reduced Tick Spread",  // 537
-    "Hedged Strangle",  // 538
-    "Spread",  // 539
-    "Hedged Call/Put Diag Calendar Spread",  // 540
-    "Hedged Straddle Calendar Spread",  // 541
+    "Strangle",                                  // 501
+    "Straddle",                                  // 502
+    "Guts",                                      // 503
+    "Ladder",                                    // 504
+    "Volatility Trade",                          // 505
+    "Iron BFly",                                 // 506
+    "Box",                                       // 507
+    "Combo",                                     // 508
+    "2X1 Ratio",                                 // 509
+    "Misc. Call/Put Spread",                     // 510
+    "Conversion/Reversal",                       // 511
+    "Diag Calendar",                             // 512
+    "Strad Calendar",                            // 513
+    "Diag Strad Calendar",                       // 514
+    "Inter-Product",                             // 515
+    "Calendar",                                  // 516
+    "Condor",                                    // 517
+    "Butterfly",                                 // 518
+    "Strip",                                     // 519
+    "Pack",                                      // 520
+    "Bundle",                                    // 521
+    "Synthetic Conv/Rev",                        // 522
+    "Call Spread vs. Put",                       // 523
+    "Put Spread vs. Call",                       // 524
+    "Straddle vs. Call/Put",                     // 525
+    "Hedged Call/Put Spread",                    // 526
+    "Hedged Straddle",                           // 527
+    "Hedged Call Spread versus Put",             // 528
+    "Hedged Put Spread versus Call",             // 529
+    "Hedged Ladder",                             // 530
+    "Hedged Combo",                              // 531
+    "Vol 1x2 Ratio",                             // 532
+    "Vol Calendar",                              // 533
+    "Jelly Roll",                                // 534
+    "Iron Condor",                               // 535
+    "Option Strip",                              // 536
+    "Reduced Tick Spread",                       // 537
+    "Hedged Strangle",                           // 538
+    "Spread",                                    // 539
+    "Hedged Call/Put Diag Calendar Spread",      // 540
+    "Hedged Straddle Calendar Spread",           // 541
     "Hedged Diagonal Straddle Calendar Spread",  // 542
-    "Hedged Butterfly",  // 543
-    "Hedged Iron Condor",  // 544
-    "Hedged Condor",  // 545
-    "Hedged Iron Butterfly",  // 546
-    "Hedged Guts",  // 547
-    "Cabinet",  // 548
-    "Conversion/Reversal vs. Short U/L",  // 549
-    "Buy/Write",  // 550
-    "Vertical",  // 551
-    "Custom Market",  // 552
-    "Covered",  // 553
-    "Horizontal",  // 554
-    "X-Mas Tree",  // 555
-    "Risk Reversal",  // 556
-    "Horizontal Straddle",  // 557
-    "Double",  // 558
-    "Conditional Curve",  // 559
-    "Straddle Strip",  // 560
-    "3-Way",  // 561
-    "1x2 Ratio",  // 562
-    "1x3 Ratio",  // 563
-    "2x3 Ratio",  // 564
-    "Pack Butterfly",  // 565
-    "Double Butterfly",  // 566
-    "Month vs. Pack",  // 567
-    "Crack",  // 568
-    "Hedged Vertical",  // 569
-    "Hedged Horizontal",  // 570
-    "Hedged X-Mas Tree",  // 571
-    "Hedged Strip",  // 572
-    "Hedged Risk Reversal",  // 573
-    "Hedged Horizontal Straddle",  // 574
-    "Hedged Double",  // 575
-    "Hedged Conditional Curve",  // 576
-    "Hedged Straddle Strip",  // 577
-    "Hedged 3-Way",  // 578
-    "Hedged Box",  // 579
-    "Tailor Made Combinations",  // 580
-    "ICS",  // 581
-    "Non Standard Combination",  // 582
-    "3-Way Straddle vs. Call",  // 583
-    "3-Way Straddle vs. Put",  // 584
-    "Custom Carry",  // 585
-    "Reverse Reduced Tick Calendar Spread",  // 586
+    "Hedged Butterfly",                          // 543
+    "Hedged Iron Condor",                        // 544
+    "Hedged Condor",                             // 545
+    "Hedged Iron Butterfly",                     // 546
+    "Hedged Guts",                               // 547
+    "Cabinet",                                   // 548
+    "Conversion/Reversal vs. Short U/L",         // 549
+    "Buy/Write",                                 // 550
+    "Vertical",                                  // 551
+    "Custom Market",                             // 552
+    "Covered",                                   // 553
+    "Horizontal",                                // 554
+    "X-Mas Tree",                                // 555
+    "Risk Reversal",                             // 556
+    "Horizontal Straddle",                       // 557
+    "Double",                                    // 558
+    "Conditional Curve",                         // 559
+    "Straddle Strip",                            // 560
+    "3-Way",                                     // 561
+    "1x2 Ratio",                                 // 562
+    "1x3 Ratio",                                 // 563
+    "2x3 Ratio",                                 // 564
+    "Pack Butterfly",                            // 565
+    "Double Butterfly",                          // 566
+    "Month vs. Pack",                            // 567
+    "Crack",                                     // 568
+    "Hedged Vertical",                           // 569
+    "Hedged Horizontal",                         // 570
+    "Hedged X-Mas Tree",                         // 571
+    "Hedged Strip",                              // 572
+    "Hedged Risk Reversal",                      // 573
+    "Hedged Horizontal Straddle",                // 574
+    "Hedged Double",                             // 575
+    "Hedged Conditional Curve",                  // 576
+    "Hedged Straddle Strip",                     // 577
+    "Hedged 3-Way",                              // 578
+    "Hedged Box",                                // 579
+    "Tailor Made Combinations",                  // 580
+    "ICS",                                       // 581
+    "Non Standard Combination",                  // 582
+    "3-Way Straddle vs. Call",                   // 583
+    "3-Way Straddle vs. Put",                    // 584
+    "Custom Carry",                              // 585
+    "Reverse Reduced Tick Calendar Spread",      // 586
 };
 
 }  // namespace
@@ -225,7 +225,8 @@ int MarketTableId(std::string_view name) {
 
 const char* CombCodeName(int combCode) {
   if (combCode <= COMB_CODE_NONE || combCode > COMB_CODE_LAST) return "";
-  return kCombCodeNames[static_cast<std::size_t>(combCode - COMB_CODE_NONE - 1)];
+  return kCombCodeNames[static_cast<std::size_t>(combCode - COMB_CODE_NONE -
+                                                 1)];
 }
 
 }  // namespace dv_core_ns

@@ -220,9 +220,10 @@ ReferenceDataBuilder::Build() {
           SeriesLabel(p.series.product.exchange, p.series.seriesKey) + ": " +
           ProductLabel(p.series.product) + " is not defined");
     }
-    d.seriesIndex_.emplace(std::make_pair(static_cast<int>(p.series.product.exchange),
-                                          std::string(p.series.seriesKey)),
-                           d.series_.size());
+    d.seriesIndex_.emplace(
+        std::make_pair(static_cast<int>(p.series.product.exchange),
+                       std::string(p.series.seriesKey)),
+        d.series_.size());
     d.series_.push_back(
         SeriesRecord{boost::make_shared<const SeriesID>(p.series), {}});
   }

@@ -45,12 +45,13 @@ const json* Field(const json& object, const char* name) {
 const json& Required(const json& object, const std::string& where,
                      const char* name) {
   const json* value = Field(object, name);
-  if (value == nullptr) Fail(where, std::string("missing field \"") + name + "\"");
+  if (value == nullptr)
+    Fail(where, std::string("missing field \"") + name + "\"");
   return *value;
 }
 
-long long Integer(const json& value, const std::string& where,
-                  const char* name, long long lo, long long hi) {
+long long Integer(const json& value, const std::string& where, const char* name,
+                  long long lo, long long hi) {
   if (!value.is_number_integer()) {
     Fail(where, std::string("field \"") + name + "\" must be a whole number");
   }
@@ -225,10 +226,11 @@ void ReadProducts(const json& root, ReferenceDataBuilder& builder) {
                 {"exchange", "type", "name", "alias", "currency", "priceTable",
                  "priceDecimals", "agile"});
     ProductRecord record;
-    record.id.exchange = static_cast<int>(Integer(
-        Required(p, where, "exchange"), where, "exchange", 0, 32767));
+    record.id.exchange = static_cast<int>(
+        Integer(Required(p, where, "exchange"), where, "exchange", 0, 32767));
     record.id.productType = ProductType(Required(p, where, "type"), where);
-    if (!record.id.SetProductName(Text(Required(p, where, "name"), where, "name"))) {
+    if (!record.id.SetProductName(
+            Text(Required(p, where, "name"), where, "name"))) {
       Fail(where, "the name is longer than " +
                       std::to_string(kProductNameSize - 1) + " characters");
     }
@@ -251,11 +253,11 @@ void ReadSeries(const json& root, ReferenceDataBuilder& builder) {
   for (std::size_t i = 0; i < list.size(); ++i) {
     const json& s = list[i];
     const std::string where = Where("series", i, s, "key");
-    CheckFields(s, where,
-                {"exchange", "key", "product", "type", "expiry",
-                 "contractExpiry", "callPut", "versionCode", "strike",
-                 "strikeDivisor", "strikeDecimals", "combCode", "seriesName",
-                 "attributes", "legs", "agile"});
+    CheckFields(
+        s, where,
+        {"exchange", "key", "product", "type", "expiry", "contractExpiry",
+         "callPut", "versionCode", "strike", "strikeDivisor", "strikeDecimals",
+         "combCode", "seriesName", "attributes", "legs", "agile"});
     SeriesID series;
     const int exchange = static_cast<int>(
         Integer(Required(s, where, "exchange"), where, "exchange", 0, 32767));
@@ -272,7 +274,8 @@ void ReadSeries(const json& root, ReferenceDataBuilder& builder) {
     series.expiry = ParseDate(s, where, "expiry");
     series.contractExpiry = ParseDate(s, where, "contractExpiry");
     series.callPut = OneChar(s, where, "callPut", 'X');
-    if (std::string_view("CPMX").find(series.callPut) == std::string_view::npos) {
+    if (std::string_view("CPMX").find(series.callPut) ==
+        std::string_view::npos) {
       Fail(where, "field \"callPut\" must be C, P, M or X");
     }
     series.versionCode = OneChar(s, where, "versionCode", '0');
@@ -301,13 +304,15 @@ void ReadSeries(const json& root, ReferenceDataBuilder& builder) {
       for (std::size_t n = 0; n < legList->size(); ++n) {
         const json& l = (*legList)[n];
         const std::string legWhere = where + " leg " + std::to_string(n + 1);
-        CheckFields(l, legWhere, {"exchange", "series", "ratio", "strike", "agile"});
+        CheckFields(l, legWhere,
+                    {"exchange", "series", "ratio", "strike", "agile"});
         ReferenceDataBuilder::LegSpec spec;
-        spec.exchange = static_cast<int>(OptionalInteger(
-            l, legWhere, "exchange", exchange, 0, 32767));
-        spec.seriesKey = Text(Required(l, legWhere, "series"), legWhere, "series");
-        spec.ratio = static_cast<int>(
-            Integer(Required(l, legWhere, "ratio"), legWhere, "ratio", kMin32, kMax32));
+        spec.exchange = static_cast<int>(
+            OptionalInteger(l, legWhere, "exchange", exchange, 0, 32767));
+        spec.seriesKey =
+            Text(Required(l, legWhere, "series"), legWhere, "series");
+        spec.ratio = static_cast<int>(Integer(
+            Required(l, legWhere, "ratio"), legWhere, "ratio", kMin32, kMax32));
         spec.strike = static_cast<int>(
             OptionalInteger(l, legWhere, "strike", 0, kMin32, kMax32));
         spec.agile = Agile(l, legWhere);
@@ -328,9 +333,8 @@ ReferenceData::ParseJson(std::string_view text) {
                 {"exchangeIdCount", "exchanges", "products", "series"});
     ReferenceDataBuilder builder;
     if (const json* count = Field(root, "exchangeIdCount")) {
-      builder.SetExchangeIdCount(
-          static_cast<int>(Integer(*count, "reference data", "exchangeIdCount",
-                                   1, 32768)));
+      builder.SetExchangeIdCount(static_cast<int>(
+          Integer(*count, "reference data", "exchangeIdCount", 1, 32768)));
     }
     ReadExchanges(root, builder);
     ReadProducts(root, builder);

@@ -1,9 +1,9 @@
 #include "nvshared/platform/core/reference_data.h"
 
-#include <gtest/gtest.h>
-
 #include <set>
 #include <string>
+
+#include <gtest/gtest.h>
 
 #include "nvshared/platform/core/consumer.h"
 #include "nvshared/testing/temp_dir.h"
@@ -182,8 +182,8 @@ TEST(ReferenceDataJsonTest, AFailedLoadKeepsTheCurrentStore) {
 }
 
 TEST(ReferenceDataJsonTest, TheBundledSampleLoads) {
-  const std::string path = std::string(NVSHARED_SOURCE_DIR) +
-                           "/data/sample-refdata.json";
+  const std::string path =
+      std::string(NVSHARED_SOURCE_DIR) + "/data/sample-refdata.json";
   const std::string text = nvshared::testing::ReadFile(path);
   ASSERT_FALSE(text.empty()) << path;
   auto parsed = ReferenceData::ParseJson(text);

@@ -1,8 +1,8 @@
-#include <fcntl.h>
-#include <unistd.h>
-
 #include <cerrno>
 #include <cstring>
+
+#include <fcntl.h>
+#include <unistd.h>
 
 #include "nvshared/platform/log/file_sink.h"
 

@@ -1,12 +1,12 @@
 #include "nvshared/platform/log/file_sink.h"
 
-#include <gtest/gtest.h>
-
 #include <regex>
 #include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "nvshared/testing/temp_dir.h"
 

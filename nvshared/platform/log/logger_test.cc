@@ -1,7 +1,5 @@
 #include "nvshared/platform/log/logger.h"
 
-#include <gtest/gtest.h>
-
 #include <climits>
 #include <map>
 #include <memory>
@@ -9,6 +7,8 @@
 #include <string>
 #include <thread>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "nvshared/platform/log/memory_sink.h"
 

@@ -1,8 +1,8 @@
 #include "nvshared/platform/os/process_name.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
+
+#include <gtest/gtest.h>
 
 namespace {
 

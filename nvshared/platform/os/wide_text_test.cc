@@ -1,8 +1,8 @@
 #include "nvshared/platform/os/wide_text.h"
 
-#include <gtest/gtest.h>
-
 #include <string>
+
+#include <gtest/gtest.h>
 
 namespace nvshared::os {
 namespace {

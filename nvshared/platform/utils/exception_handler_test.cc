@@ -1,7 +1,5 @@
 #include "nvshared/platform/utils/exception_handler.h"
 
-#include <gtest/gtest.h>
-
 #include <atomic>
 #include <functional>
 #include <memory>
@@ -10,6 +8,8 @@
 #include <thread>
 #include <utility>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "nvshared/platform/log/logger.h"
 #include "nvshared/platform/log/memory_sink.h"
