@@ -233,16 +233,17 @@ ReferenceDataBuilder::Build() {
     FullLegList list;
     list.combCode = p.series.combCode;
     for (std::size_t n = 0; n < p.legs->size(); ++n) {
-      const LegSpec& spec = (*p.legs)[n];
-      const SeriesRecord* target = d.FindSeries(spec.exchange, spec.seriesKey);
+      const LegSpec& legRef = (*p.legs)[n];
+      const SeriesRecord* target =
+          d.FindSeries(legRef.exchange, legRef.seriesKey);
       if (target == nullptr) {
         return Status::Error(
             SeriesLabel(p.series.product.exchange, p.series.seriesKey) +
             ": leg " + std::to_string(n + 1) + " refers to unknown " +
-            SeriesLabel(spec.exchange, spec.seriesKey));
+            SeriesLabel(legRef.exchange, legRef.seriesKey));
       }
-      FullLeg leg(*target->series, spec.ratio, spec.strike);
-      for (const auto& [tag, value] : spec.agile) {
+      FullLeg leg(*target->series, legRef.ratio, legRef.strike);
+      for (const auto& [tag, value] : legRef.agile) {
         leg.StoreAgileData(tag, value);
       }
       list.legs.push_back(std::move(leg));

@@ -306,17 +306,17 @@ void ReadSeries(const json& root, ReferenceDataBuilder& builder) {
         const std::string legWhere = where + " leg " + std::to_string(n + 1);
         CheckFields(l, legWhere,
                     {"exchange", "series", "ratio", "strike", "agile"});
-        ReferenceDataBuilder::LegSpec spec;
-        spec.exchange = static_cast<int>(
+        ReferenceDataBuilder::LegSpec legRef;
+        legRef.exchange = static_cast<int>(
             OptionalInteger(l, legWhere, "exchange", exchange, 0, 32767));
-        spec.seriesKey =
+        legRef.seriesKey =
             Text(Required(l, legWhere, "series"), legWhere, "series");
-        spec.ratio = static_cast<int>(Integer(
+        legRef.ratio = static_cast<int>(Integer(
             Required(l, legWhere, "ratio"), legWhere, "ratio", kMin32, kMax32));
-        spec.strike = static_cast<int>(
+        legRef.strike = static_cast<int>(
             OptionalInteger(l, legWhere, "strike", 0, kMin32, kMax32));
-        spec.agile = Agile(l, legWhere);
-        legs->push_back(std::move(spec));
+        legRef.agile = Agile(l, legWhere);
+        legs->push_back(std::move(legRef));
       }
     }
     Check(builder.AddSeries(std::move(series), std::move(legs)), where);
