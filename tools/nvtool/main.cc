@@ -20,7 +20,6 @@ int main(int argc, char** argv) {
   app.add_option("--refdata", context.refdataPath,
                  "Reference-data JSON file to use instead of the bundled "
                  "sample")
-      ->check(CLI::ExistingFile)
       ->type_name("FILE");
 
   nvtool::AddExchangesCommand(app, context);
@@ -34,11 +33,15 @@ int main(int argc, char** argv) {
     return app.exit(e);
   } catch (const CLI::CallForVersion& e) {
     return app.exit(e);
+  } catch (const CLI::RuntimeError& e) {
+    // A command failed: its one line, and its exit status.
+    std::cerr << "nvtool: " << e.what() << "\n";
+    return e.get_exit_code() == 0 ? 1 : e.get_exit_code();
   } catch (const CLI::ParseError& e) {
-    // One line, then where to look for more.
+    // A usage error: one line, where to look for more, and status 2.
     std::cerr << "nvtool: " << e.what() << "\n"
               << "Run 'nvtool --help' for usage.\n";
-    return e.get_exit_code() == 0 ? 2 : e.get_exit_code();
+    return 2;
   } catch (const std::exception& e) {
     std::cerr << "nvtool: " << e.what() << "\n";
     return 1;

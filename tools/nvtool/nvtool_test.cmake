@@ -42,12 +42,14 @@ run(0 "^ID\tNAME\tFLAVOURED NAME\tMARKET\tMARKET NAME\tSYNTHETIC\tFIX\tECBOT\n5\
 
 # Errors: one line naming the problem, non-zero exit.
 file(WRITE "${WORK_DIR}/bad.json" [=[{"exchanges": [{"id": 5, "name": "X", "market": "Nowhere"}]}]=])
-run(1 "^$" "^nvtool: .*bad.json: exchanges\\[0\\] \\(X\\): unknown market \"Nowhere\"\nRun"
+run(1 "^$" "^nvtool: .*bad.json: exchanges\\[0\\] \\(X\\): unknown market \"Nowhere\"\n$"
     --refdata "${WORK_DIR}/bad.json" exchanges)
-run(nonzero "^$" "^nvtool: .*missing.json" --refdata "${WORK_DIR}/missing.json" exchanges)
-run(nonzero "^$" "^nvtool: " no-such-command)
-run(nonzero "^$" "^nvtool: " )
+run(1 "^$" "^nvtool: .*missing.json: cannot open the file\n$"
+    --refdata "${WORK_DIR}/missing.json" exchanges)
+run(2 "^$" "^nvtool: .*\nRun 'nvtool --help' for usage.\n$" no-such-command)
+run(2 "^$" "^nvtool: A subcommand is required" )
+run(2 "^$" "^nvtool: .*--bogus" exchanges --bogus)
 
 # demo runs on the bundled data and on a given file.
-run(0 "Reference data: " "" demo)
+run(0 "Reference data: 23 exchanges.*\\[message box, type 0x30\\] Trader recovered from an error \\(code 7\\)\\.  order book rebuilt\n.*\\[log, severity -1, code 8\\] trader Client\n" "" demo)
 run(0 "Reference data: 1 exchanges" "" --refdata "${WORK_DIR}/small.json" demo)
