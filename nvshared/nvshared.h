@@ -13,6 +13,11 @@
 #include "nvshared/market/market_types.h"
 #include "nvshared/market/market_utils.h"
 
+// Contract names.
+#include "nvshared/naming/format_contract_config.h"
+#include "nvshared/naming/formatted_name_data.h"
+#include "nvshared/naming/series_name_formatter.h"
+
 // Application services.
 #include "nvshared/app/app_string_loader.h"
 #include "nvshared/app/error_log.h"
