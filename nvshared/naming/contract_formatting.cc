@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+
 #include <strings.h>
 
 #include "nvshared/market/exchange_names.h"
@@ -25,9 +26,8 @@ using dv_core_ns::SeriesID;
 
 constexpr char kMonthLetters[] = "FGHJKMNQUVXZ";
 constexpr const char* kMonthNames[13] = {
-    "???%02d", "Jan%02d", "Feb%02d", "Mar%02d", "Apr%02d",
-    "May%02d", "Jun%02d", "Jul%02d", "Aug%02d", "Sep%02d",
-    "Oct%02d", "Nov%02d", "Dec%02d"};
+    "???%02d", "Jan%02d", "Feb%02d", "Mar%02d", "Apr%02d", "May%02d", "Jun%02d",
+    "Jul%02d", "Aug%02d", "Sep%02d", "Oct%02d", "Nov%02d", "Dec%02d"};
 constexpr const char* kDayMonthNames[12] = {
     "%02dJan%02d", "%02dFeb%02d", "%02dMar%02d", "%02dApr%02d",
     "%02dMay%02d", "%02dJun%02d", "%02dJul%02d", "%02dAug%02d",
@@ -140,11 +140,11 @@ bool SeriesNameFormatter::FormatSeriesInternal(
   const int type = series.productType();
   std::string productText;
   if (config.showProduct) {
-    const bool seriesNamed =
-        type == dv_core_ns::STOCK || type == dv_core_ns::FOREX ||
-        (type == dv_core_ns::BOND &&
-         strcasecmp(series.product.productName, series.seriesName.c_str()) ==
-             0);
+    const bool seriesNamed = type == dv_core_ns::STOCK ||
+                             type == dv_core_ns::FOREX ||
+                             (type == dv_core_ns::BOND &&
+                              strcasecmp(series.product.productName,
+                                         series.seriesName.c_str()) == 0);
     if (!(seriesNamed && series.seriesName.IsPresent())) {
       FormatProductInternal(series.product, productText,
                             config.productNameStyle);
@@ -162,9 +162,8 @@ bool SeriesNameFormatter::FormatSeriesInternal(
     FormatProductInternal(series.product, out, config.productNameStyle);
   }
 
-  const bool strikeWanted =
-      !usedSeriesName || config.strikeWithSeriesName ||
-      (type == dv_core_ns::FUTURE && strike != 0);
+  const bool strikeWanted = !usedSeriesName || config.strikeWithSeriesName ||
+                            (type == dv_core_ns::FUTURE && strike != 0);
   if (strikeWanted) {
     std::string piece;
     FormatCallPut(series, piece, strike);
@@ -289,8 +288,7 @@ bool SeriesNameFormatter::FormatDayMonthAndYear(int day, int month, int year,
   return !out.empty();
 }
 
-bool SeriesNameFormatter::FormatProduct(const ProdID& product,
-                                        std::string& out,
+bool SeriesNameFormatter::FormatProduct(const ProdID& product, std::string& out,
                                         NameStyle::Enum style) const {
   out.clear();
   return FormatProductInternal(product, out, style);
@@ -334,9 +332,8 @@ bool SeriesNameFormatter::FormatCallPut(const SeriesID& series,
   return true;
 }
 
-bool SeriesNameFormatter::FormatStrike(const SeriesID& series,
-                                       std::string& out, bool compact,
-                                       int strike) const {
+bool SeriesNameFormatter::FormatStrike(const SeriesID& series, std::string& out,
+                                       bool compact, int strike) const {
   out.clear();
   if (strike == kSeriesStrike) strike = series.strike;
   const int type = series.productType();

@@ -66,9 +66,9 @@ class NamingTest : public ::testing::Test {
     }
     SeriesNameFormatterPeer::Clear();
   }
-  static std::string Name(const SeriesID& series,
-                          const FormatContractConfig& config =
-                              DefaultFormatContractConfig) {
+  static std::string Name(
+      const SeriesID& series,
+      const FormatContractConfig& config = DefaultFormatContractConfig) {
     std::string out = "stale";
     Formatter().FormatContract(series, out, config);
     return out;
@@ -262,8 +262,8 @@ TEST_F(NamingTest, ProductNameStyles) {
 
 // A synthetic series of the ES products, for values the sample lacks.
 SeriesID Synthetic(int type, int strike, int divisor, int decimals) {
-  SeriesID s = SampleSeries(kCmeA, type == dv_core_ns::OPTION ? "ESH4 C1850"
-                                                              : "ESH4");
+  SeriesID s =
+      SampleSeries(kCmeA, type == dv_core_ns::OPTION ? "ESH4 C1850" : "ESH4");
   s.strike = strike;
   s.strikeDivisor = divisor;
   s.strikeDecimals = decimals;
@@ -366,15 +366,14 @@ TEST_F(NamingTest, MonthsAndYears) {
     s.contractExpiry = dv_core_ns::Date(c.day, c.month, c.year);
     s.versionCode = c.version;
     std::string out = "stale";
-    EXPECT_EQ(Formatter().FormatContrExpiry(s, out, c.monthCode, c.noDay),
-              c.ok)
+    EXPECT_EQ(Formatter().FormatContrExpiry(s, out, c.monthCode, c.noDay), c.ok)
         << c.day << "/" << c.month << "/" << c.year;
     EXPECT_EQ(out, c.expected) << c.day << "/" << c.month << "/" << c.year;
   }
   // Types without months: refused, or an empty code.
   std::string out;
-  EXPECT_FALSE(Formatter().FormatContrExpiry(SampleSeries(kNasdaq, "MSFT"),
-                                             out, false, false));
+  EXPECT_FALSE(Formatter().FormatContrExpiry(SampleSeries(kNasdaq, "MSFT"), out,
+                                             false, false));
   SeriesID bond = SampleSeries(kBtec, "912828C24");
   bond.contractExpiry = dv_core_ns::Date(0, 3, 2014);
   EXPECT_TRUE(Formatter().FormatContrExpiry(bond, out, true, false));

@@ -99,9 +99,9 @@ bool SeriesNameFormatter::FormatLeg(const Leg& leg, std::string& out,
   }
   if (ratioText) {
     char buffer[21];
-    const int n = std::snprintf(buffer, sizeof buffer,
-                                config.showRatioSign ? "%+dx" : "%dx",
-                                leg.ratio);
+    const int n =
+        std::snprintf(buffer, sizeof buffer,
+                      config.showRatioSign ? "%+dx" : "%dx", leg.ratio);
     if (n > 0) out.assign(buffer, std::min<std::size_t>(n, sizeof buffer - 1));
   }
 
@@ -109,9 +109,8 @@ bool SeriesNameFormatter::FormatLeg(const Leg& leg, std::string& out,
   std::string productText;
   if (config.compact && config.showProduct) {
     const SeriesID* series = leg.GetSharedSeriesID().get();
-    if (series != nullptr &&
-        FormatProductInternal(series->product, productText,
-                              config.productNameStyle)) {
+    if (series != nullptr && FormatProductInternal(series->product, productText,
+                                                   config.productNameStyle)) {
       copy.showProduct = false;
     }
   }
@@ -232,8 +231,8 @@ void SeriesNameFormatter::ExpandLegLists(const FullLegList& full,
   }
 }
 
-void SeriesNameFormatter::SplitLegsForSpreadOrStrategy(
-    const Leg& leg, std::vector<Leg>& out) {
+void SeriesNameFormatter::SplitLegsForSpreadOrStrategy(const Leg& leg,
+                                                       std::vector<Leg>& out) {
   if (!IsStrategyOrSpread(leg)) {
     out.emplace_back(leg);
     return;
@@ -306,8 +305,8 @@ bool SeriesNameFormatter::EquivalentSeriesIDs(const SeriesID& a,
   return left == right;
 }
 
-bool SeriesNameFormatter::EquivalentLegLists(const LegList& a,
-                                             const LegList& b, bool relaxed) {
+bool SeriesNameFormatter::EquivalentLegLists(const LegList& a, const LegList& b,
+                                             bool relaxed) {
   auto loose = [](int code) {
     return code == dv_core_ns::COMB_CODE_COMBO ||
            code == dv_core_ns::COMB_CODE_COVERED ||

@@ -64,31 +64,31 @@ struct LegListCase {
 
 TEST_F(LegNamingTest, LegListTexts) {
   const LegListCase cases[] = {
-      {"ratio 1 prints 1x", MakeList(516, {MakeLeg("ESH4", 1),
-                                           MakeLeg("ESM4", 1)}),
-       false, false, "Calendar: 1xES Mar14:1xJun14"},
-      {"signs on later legs", MakeList(516, {MakeLeg("ESH4", 1),
-                                             MakeLeg("ESM4", 1)}),
-       false, true, "Calendar: 1xES Mar14:+1xJun14"},
-      {"ratio 0 in full form", MakeList(516, {MakeLeg("ESH4", 1),
-                                              MakeLeg("ESM4", 0)}),
-       false, true, "Calendar: 1xES Mar14:+0xJun14"},
-      {"ratio 0 in compact form", MakeList(516, {MakeLeg("ESH4", 1),
-                                                 MakeLeg("ESM4", 0),
-                                                 MakeLeg("ESU4", -1)}),
+      {"ratio 1 prints 1x",
+       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", 1)}), false, false,
+       "Calendar: 1xES Mar14:1xJun14"},
+      {"signs on later legs",
+       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", 1)}), false, true,
+       "Calendar: 1xES Mar14:+1xJun14"},
+      {"ratio 0 in full form",
+       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", 0)}), false, true,
+       "Calendar: 1xES Mar14:+0xJun14"},
+      {"ratio 0 in compact form",
+       MakeList(516,
+                {MakeLeg("ESH4", 1), MakeLeg("ESM4", 0), MakeLeg("ESU4", -1)}),
        true, true, "ES H4-U4"},
-      {"compact loses the ratio text", MakeList(516, {MakeLeg("ESH4", 3),
-                                                      MakeLeg("ESM4", 1)}),
-       true, true, "ES H4+M4"},
-      {"compact first leg of -1", MakeList(516, {MakeLeg("ESH4", -1),
-                                                 MakeLeg("ESM4", 1)}),
-       true, false, "ES-H4 M4"},
+      {"compact loses the ratio text",
+       MakeList(516, {MakeLeg("ESH4", 3), MakeLeg("ESM4", 1)}), true, true,
+       "ES H4+M4"},
+      {"compact first leg of -1",
+       MakeList(516, {MakeLeg("ESH4", -1), MakeLeg("ESM4", 1)}), true, false,
+       "ES-H4 M4"},
       {"spread type 539 prints no type",
        MakeList(539, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}), false, true,
        "1xES Mar14:-1xJun14"},
       {"custom market prices, one missing",
-       MakeList(552, {MakeLeg("ESH4", 1, "front"), MakeLeg("ESM4", -1)}),
-       false, true, "Custom Market: 1xES Mar14@front:-1xJun14@"},
+       MakeList(552, {MakeLeg("ESH4", 1, "front"), MakeLeg("ESM4", -1)}), false,
+       true, "Custom Market: 1xES Mar14@front:-1xJun14@"},
   };
   for (const LegListCase& c : cases) {
     FormatContractConfig config = DefaultFormatContractConfig;
@@ -101,8 +101,7 @@ TEST_F(LegNamingTest, LegListTexts) {
 }
 
 TEST_F(LegNamingTest, ThreeTextsAndFullLists) {
-  const LegList list =
-      MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)});
+  const LegList list = MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)});
   std::string exchange = "x", type = "x", legs = "x";
   EXPECT_TRUE(Formatter().FormatLegList(list, exchange, type, legs,
                                         DefaultFormatContractConfig));
@@ -122,8 +121,8 @@ TEST_F(LegNamingTest, ThreeTextsAndFullLists) {
                                          DefaultFormatContractConfig));
   EXPECT_EQ(exchange + type + legs, "");
   std::string out = "x";
-  EXPECT_FALSE(
-      Formatter().FormatLegList(FullLegList(), out, DefaultFormatContractConfig));
+  EXPECT_FALSE(Formatter().FormatLegList(FullLegList(), out,
+                                         DefaultFormatContractConfig));
   EXPECT_EQ(out, "");
 }
 
@@ -144,8 +143,8 @@ TEST_F(LegNamingTest, ExpandAndSplitNestedSpreads) {
   EXPECT_STREQ(out.legs[3].GetSharedSeriesID()->seriesKey, "ESZ4");
 
   std::vector<Leg> split;
-  SeriesNameFormatter::SplitLegsForSpreadOrStrategy(
-      MakeLeg("ES BF H4", 3), split);
+  SeriesNameFormatter::SplitLegsForSpreadOrStrategy(MakeLeg("ES BF H4", 3),
+                                                    split);
   EXPECT_EQ(Ratios(split), (std::vector<int>{3, -6, 3}));
   SeriesNameFormatter::SplitLegsForSpreadOrStrategy(MakeLeg("ESH4", 2), split);
   EXPECT_EQ(split.size(), 4u);
@@ -175,8 +174,8 @@ TEST_F(LegNamingTest, EarliestExpiringLeg) {
 
 TEST_F(LegNamingTest, UnflavouredIdentities) {
   const std::pair<int, int> ids[] = {
-      {7, 10}, {8, 10}, {10, 10}, {3, 1}, {21, 20}, {26, 25},
-      {0, 60},  // exchange 0 counts as the Legwise market
+      {7, 10},  {8, 10},  {10, 10}, {3, 1},
+      {21, 20}, {26, 25}, {0, 60},  // exchange 0 counts as the Legwise market
       {-1, -1}, {11, -1}, {999, -1}};
   for (const auto& [flavoured, plain] : ids) {
     dv_core_ns::AEnum_ExchIds id(flavoured);
@@ -188,8 +187,8 @@ TEST_F(LegNamingTest, UnflavouredIdentities) {
   SeriesID onB = es;
   onB.product.exchange = 8;
   EXPECT_TRUE(SeriesNameFormatter::EquivalentSeriesIDs(es, onB));
-  EXPECT_FALSE(
-      SeriesNameFormatter::EquivalentSeriesIDs(es, SampleSeries(kCmeA, "ESM4")));
+  EXPECT_FALSE(SeriesNameFormatter::EquivalentSeriesIDs(
+      es, SampleSeries(kCmeA, "ESM4")));
   // Ids without a plain exchange all unflavour to -1 and then compare equal.
   dv_core_ns::ProdID a(11, dv_core_ns::FUTURE, "ES");
   dv_core_ns::ProdID b(999, dv_core_ns::FUTURE, "ES");
@@ -200,7 +199,8 @@ TEST_F(LegNamingTest, UnflavouredIdentities) {
   list.legs.emplace_back(es, 1, 0);
   list.legs.back().StoreAgileData<std::string>(1003, "kept");
   SeriesNameFormatter::MakeUnflavoredLegList(list);
-  EXPECT_EQ(static_cast<int>(list.legs[0].GetSharedSeriesID()->product.exchange), 10);
+  EXPECT_EQ(
+      static_cast<int>(list.legs[0].GetSharedSeriesID()->product.exchange), 10);
   ASSERT_NE(list.legs[0].FindAgileData(1003), nullptr);
   EXPECT_EQ(*list.legs[0].FindAgileData(1003), "kept");
 }
@@ -235,11 +235,10 @@ TEST_F(LegNamingTest, EquivalentLegLists) {
        MakeList(518, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}), true, true},
       {"combo against butterfly, strict",
        MakeList(508, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}),
-       MakeList(518, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}), false,
-       false},
+       MakeList(518, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}), false, false},
       {"relaxed needs a loose code on one side",
-       MakeList(516, {MakeLeg("ESH4", 1)}),
-       MakeList(518, {MakeLeg("ESH4", 1)}), true, false},
+       MakeList(516, {MakeLeg("ESH4", 1)}), MakeList(518, {MakeLeg("ESH4", 1)}),
+       true, false},
       {"custom market prices in the same order",
        MakeList(552, {MakeLeg("ESH4", 1, "1"), MakeLeg("ESM4", -1, "2")}),
        MakeList(552, {MakeLeg("ESH4", 1, "1"), MakeLeg("ESM4", -1, "2")}),
@@ -249,8 +248,7 @@ TEST_F(LegNamingTest, EquivalentLegLists) {
        MakeList(552, {MakeLeg("ESH4", 1, "1"), MakeLeg("ESM4", -1, "2")}),
        MakeList(552, {MakeLeg("ESM4", -1, "2"), MakeLeg("ESH4", 1, "1")}),
        false, false},
-      {"custom market price missing",
-       MakeList(552, {MakeLeg("ESH4", 1)}),
+      {"custom market price missing", MakeList(552, {MakeLeg("ESH4", 1)}),
        MakeList(552, {MakeLeg("ESH4", 1)}), false, false},
   };
   for (const EquivalenceCase& c : cases) {

@@ -25,8 +25,7 @@ bool ContainsLiffe(const std::string& name) {
   for (std::size_t i = 0; i + kLiffe.size() <= name.size(); ++i) {
     std::size_t j = 0;
     while (j < kLiffe.size() &&
-           std::toupper(static_cast<unsigned char>(name[i + j])) ==
-               kLiffe[j]) {
+           std::toupper(static_cast<unsigned char>(name[i + j])) == kLiffe[j]) {
       ++j;
     }
     if (j == kLiffe.size()) return true;
@@ -78,8 +77,8 @@ std::size_t RegistryHash(std::string_view text) {
 
 bool SeriesKeyEqual::operator()(const dv_core_ns::SeriesID& a,
                                 const dv_core_ns::SeriesID& b) const {
-  if (ContainsLiffe(nv_ns::MarketUtilsInternal::ExchangeName(
-          a.product.exchange)) &&
+  if (ContainsLiffe(
+          nv_ns::MarketUtilsInternal::ExchangeName(a.product.exchange)) &&
       ContainsLiffe(
           nv_ns::MarketUtilsInternal::ExchangeName(b.product.exchange))) {
     return std::string_view(a.seriesKey) == std::string_view(b.seriesKey);

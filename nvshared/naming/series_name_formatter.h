@@ -116,9 +116,8 @@ class NVSHARED_API SeriesNameFormatter {
                      const FormatContractConfig& config) const;
   bool FormatLegList(const dv_core_ns::FullLegList& list, std::string& out,
                      const FormatContractConfig& config) const;
-  bool FormatLegList(const dv_core_ns::FullLegList& list,
-                     std::string& exchange, std::string& spreadType,
-                     std::string& legs,
+  bool FormatLegList(const dv_core_ns::FullLegList& list, std::string& exchange,
+                     std::string& spreadType, std::string& legs,
                      const FormatContractConfig& config) const;
 
   // The leg's series is a spread or strategy.

@@ -1,9 +1,11 @@
 // nvtool demo: plays a host application starting up on the reference data,
 // then tours what the library answers. Message boxes and log lines, which a
 // real host would draw or file, are printed in line with the tour.
+#include <algorithm>
 #include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include <arpa/inet.h>
 
@@ -12,7 +14,9 @@
 #include "nvshared/app/exception_report.h"
 #include "nvshared/market/exchange_names.h"
 #include "nvshared/market/market_utils.h"
+#include "nvshared/naming/series_name_formatter.h"
 #include "nvshared/platform/core/consumer.h"
+#include "nvshared/platform/core/market_table.h"
 #include "nvshared/platform/core/reference_data.h"
 #include "nvshared/platform/log/logger.h"
 #include "nvshared/platform/utils/dm_utils.h"
@@ -78,6 +82,77 @@ void TourMarkets(std::ostream& out) {
   if (*flavoured != '\0') {
     out << "  the flavoured name \"" << flavoured << "\" finds exchange "
         << nv_fmt::GetExchangeID(flavoured, true) << "\n";
+  }
+}
+
+// The shape of contract a series stands for, for picking one of each.
+std::string ShapeOf(const dv_core_ns::SeriesID& s) {
+  switch (s.productType()) {
+    case dv_core_ns::FUTURE:
+      return s.expiry.day != 0 ? "future with a day" : "future";
+    case dv_core_ns::OPTION:
+      if (s.strike == 1) return "option priced by its legs";
+      if (s.strike < 0) return "option with a negative strike";
+      if (s.versionCode != '0' && s.versionCode != ' ') {
+        return "option with a version code";
+      }
+      return "option";
+    case dv_core_ns::SPREAD:
+    case dv_core_ns::STRATEGY: {
+      if (s.combCode == dv_core_ns::COMB_CODE_CUSTOM_MARKET) {
+        return "Custom Market spread";
+      }
+      dv_core_ns::LegList legs;
+      if (!dv_core_ns::CDVBasePriceConsumer::CopyLegList(&s, legs)) {
+        return "spread whose legs are unknown";
+      }
+      return s.productType() == dv_core_ns::SPREAD ? "spread" : "strategy";
+    }
+    default:
+      return dv_core_ns::AEnum_ProdIDs::Name(s.productType());
+  }
+}
+
+void TourContractNames(std::ostream& out) {
+  out << "\nContract names (one series of each shape)\n";
+  nv_fmt::SeriesNameFormatter& formatter =
+      nv_fmt::SeriesNameFormatter::Instance();
+  const nv_fmt::FormatContractConfig& config =
+      nv_fmt::DefaultFormatContractConfig;
+  std::vector<std::string> seen;
+  const dv_core_ns::SeriesID* spread = nullptr;
+  const dv_core_ns::SeriesID* seriesNamed = nullptr;
+  std::string name;
+  for (const auto& record : dv_core_ns::ReferenceData::Current().series()) {
+    const dv_core_ns::SeriesID& s = *record.series;
+    const std::string shape = ShapeOf(s);
+    if (shape == "spread" && spread == nullptr) spread = &s;
+    if (shape == "future with a day" && s.seriesName.IsPresent() &&
+        seriesNamed == nullptr) {
+      seriesNamed = &s;
+    }
+    if (std::find(seen.begin(), seen.end(), shape) != seen.end()) continue;
+    seen.push_back(shape);
+    if (!formatter.FormatContract(s, name, config)) name = "(no name)";
+    out << "  " << shape << " " << s.seriesKey << ": " << name << "\n";
+  }
+  if (spread != nullptr) {
+    formatter.SetProductNameEnabled(true);
+    nv_fmt::FormatContractConfig compact = config;
+    compact.compact = true;
+    formatter.FormatContract(*spread, name, config);
+    out << "  with product codes, " << spread->seriesKey << ": " << name
+        << "\n";
+    formatter.FormatContract(*spread, name, compact);
+    out << "  and compact: " << name << "\n";
+    formatter.SetProductNameEnabled(false);
+  }
+  if (seriesNamed != nullptr) {
+    formatter.SetSeriesNameEnabled(true);
+    formatter.FormatContract(*seriesNamed, name, config);
+    out << "  with series names shown, " << seriesNamed->seriesKey << ": "
+        << name << "\n";
+    formatter.SetSeriesNameEnabled(false);
   }
 }
 
@@ -149,6 +224,7 @@ void AddDemoCommand(CLI::App& app, Context& context) {
         dv_log::GetCustomLog()->SetSink(std::make_shared<PrintingSink>(out));
     StartUp(out);
     TourMarkets(out);
+    TourContractNames(out);
     TourFormatters(out);
     TourReports(out);
     out << "\nShut-down\n";

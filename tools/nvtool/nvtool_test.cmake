@@ -23,7 +23,8 @@ function(run expected_rc out_regex err_regex)
 endfunction()
 
 # Help on every level.
-run(0 "exchanges.*demo" "^$" --help)
+run(0 "exchanges.*demo.*name" "^$" --help)
+run(0 "--series-names-for" "^$" name --help)
 run(0 "--tsv" "^$" exchanges --help)
 run(0 "Usage" "^$" demo --help)
 
@@ -32,6 +33,25 @@ run(0 "7  +CME-A  +CME-A \\(Globex\\)  +7  +CME  +no  +no  +no" "^$" exchanges)
 run(0 "^0\tDV\tDV\t84\tLegwise\tyes\tno\tno\n" "^$" exchanges --tsv --no-header)
 run(0 "\n3\teCBOT-A\teCBOT-A \\(Electronic\\)\t6\tCBOT\tno\tno\tyes\n" "^$"
     exchanges --tsv)
+
+# name: one line per series, quirks kept, every config field reachable.
+run(0 "^ESH4\tE-mini S&P 500 Mar14\n$" "^$" name ESH4)
+run(0 "^ESH4\tES Mar14\nCLM4 P-1.5\tCL Jun14 P--1.50\n$" "^$"
+    name --product-names ESH4 "CLM4 P-1.5")
+run(0 "^ESH4-ESM4\tCME ES CME H4-CME M4\n$" "^$"
+    name --product-names --compact --show-market ESH4-ESM4)
+run(0 "^ES CM1\tES Mar/Jun Roll\tCME-A \\(Globex\\)\tCustom Market\t1xES Mar14@front:-1xJun14@back\n$"
+    "^$" name --product-names --legs "ES CM1")
+run(0 "^ESW1H4\tWeek 1 Mar14\n$" "^$"
+    name --series-names-for CME --no-product --exchange 7 ESW1H4)
+run(0 "^ESH4\tCME-A E-mini S&P 500 Mar14\n.*\nEURUSD\tHotspot\n$" "^$"
+    name --all --show-exchange --plain-exchange)
+run(0 "^ESH4\tES Mar14\n" "^$" name --all --product-style NAME)
+run(1 "^$" "^nvtool: unknown series key \"NOPE\"\n$" name NOPE)
+run(1 "^$" "^nvtool: no series \"ESH4\" on exchange 8\n$" name --exchange 8 ESH4)
+run(1 "^$" "^nvtool: unknown exchange \"Nowhere\"\n$" name --exchange Nowhere ESH4)
+run(2 "^$" "give series keys or --all" name)
+run(2 "^$" "--product-style" name --product-style fancy ESH4)
 
 # A file given with --refdata replaces the bundled data.
 file(WRITE "${WORK_DIR}/small.json" [=[
