@@ -1,7 +1,6 @@
 // Names of single contracts: exchange or market, product, expiry, call or put
 // and strike, and the hand-over to the leg list for spreads and strategies.
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
@@ -10,6 +9,7 @@
 #include "nvshared/market/exchange_names.h"
 #include "nvshared/market/internal/market_utils_internal.h"
 #include "nvshared/market/market_utils.h"
+#include "nvshared/naming/internal/text_piece.h"
 #include "nvshared/naming/series_name_formatter.h"
 #include "nvshared/platform/core/consumer.h"
 #include "nvshared/platform/core/market_table.h"
@@ -25,13 +25,12 @@ using dv_core_ns::ProdID;
 using dv_core_ns::SeriesID;
 
 constexpr char kMonthLetters[] = "FGHJKMNQUVXZ";
-constexpr const char* kMonthNames[13] = {
-    "???%02d", "Jan%02d", "Feb%02d", "Mar%02d", "Apr%02d", "May%02d", "Jun%02d",
-    "Jul%02d", "Aug%02d", "Sep%02d", "Oct%02d", "Nov%02d", "Dec%02d"};
-constexpr const char* kDayMonthNames[12] = {
-    "%02dJan%02d", "%02dFeb%02d", "%02dMar%02d", "%02dApr%02d",
-    "%02dMay%02d", "%02dJun%02d", "%02dJul%02d", "%02dAug%02d",
-    "%02dSep%02d", "%02dOct%02d", "%02dNov%02d", "%02dDec%02d"};
+// The month names, printed with a two-digit year ("Mar14") or with a
+// two-digit day in front ("15Mar14"). Row 0 is never reached: month 0 is
+// filtered first.
+constexpr std::string_view kMonthNames[13] = {"???", "Jan", "Feb", "Mar", "Apr",
+                                              "May", "Jun", "Jul", "Aug", "Sep",
+                                              "Oct", "Nov", "Dec"};
 
 constexpr int kMarketIceIpe = 32;
 constexpr int kMarketTocom = 68;
@@ -43,14 +42,9 @@ void AppendPiece(std::string& out, std::string_view piece) {
   out += piece;
 }
 
-// snprintf into a buffer of `limit` characters (plus the NUL), appended.
-template <typename... Args>
-void AppendFormatted(std::string& out, std::size_t limit, const char* format,
-                     Args... args) {
-  char buffer[64];
-  const std::size_t size = std::min(limit + 1, sizeof buffer);
-  const int n = std::snprintf(buffer, size, format, args...);
-  if (n > 0) out.append(buffer, std::min<std::size_t>(n, size - 1));
+// "%02d": at least two digits, zero-padded after any sign.
+internal::TextPiece& TwoDigits(internal::TextPiece& piece, int value) {
+  return piece.Int(value, 2, true);
 }
 
 const std::string& MarketNameOfExchange(int exchangeId) {
@@ -254,19 +248,19 @@ bool SeriesNameFormatter::FormatMonth(const SeriesID& series, const Date& date,
     // Month 0 has no letter. Where the letter table would be read one
     // before its start, the text stays empty instead.
     if (date.month == 0) return true;
-    const char letter = kMonthLetters[date.month - 1];
-    if (date.day != 0 && !noDay) {
-      AppendFormatted(out, 20, "%02d%c%d", date.day, letter, date.year % 10);
-    } else {
-      AppendFormatted(out, 20, "%c%d", letter, date.year % 10);
-    }
+    internal::TextPiece piece;
+    if (date.day != 0 && !noDay) TwoDigits(piece, date.day);
+    piece.Char(kMonthLetters[date.month - 1]).Int(date.year % 10);
+    piece.AppendTo(out, 20);
     return true;
   }
 
   if (!noDay && date.day >= 1 && date.day <= 31) {
     FormatDayMonthAndYear(date.day, date.month, date.year, out);
   } else if (date.month >= 1 && date.month <= 12) {
-    AppendFormatted(out, 10, kMonthNames[date.month], date.year % 100);
+    internal::TextPiece piece;
+    TwoDigits(piece.Text(kMonthNames[date.month]), date.year % 100);
+    piece.AppendTo(out, 10);
   }
   if (type == dv_core_ns::OPTION && series.versionCode != '0' &&
       series.versionCode != ' ') {
@@ -279,11 +273,10 @@ bool SeriesNameFormatter::FormatDayMonthAndYear(int day, int month, int year,
                                                 std::string& out) const {
   out.clear();
   if (month >= 1 && month <= 12) {
-    if (day != 0) {
-      AppendFormatted(out, 10, kDayMonthNames[month - 1], day, year % 100);
-    } else {
-      AppendFormatted(out, 10, kMonthNames[month], year % 100);
-    }
+    internal::TextPiece piece;
+    if (day != 0) TwoDigits(piece, day);
+    TwoDigits(piece.Text(kMonthNames[month]), year % 100);
+    piece.AppendTo(out, 10);
   }
   return !out.empty();
 }
@@ -346,17 +339,19 @@ bool SeriesNameFormatter::FormatStrike(const SeriesID& series, std::string& out,
     const int whole = strike / divisor;
     const int rest = std::abs(strike % divisor);
     const int decimals = series.strikeDecimals;
+    internal::TextPiece piece;
     if (rest == 0 && strike != 0 && decimals == 0) {
-      AppendFormatted(out, 20, "%d", whole);
+      piece.Int(whole).AppendTo(out, 20);
       return true;
     }
-    // The text is cut to 20 characters, so a wider field than that changes
-    // nothing; bounding it keeps a corrupt decimal count from costing time.
+    // "%d.%0*d", or "-%d.%0*d" for a negative strike, which prints the whole
+    // part with its own sign as well: -150 over 100 gives "--1.50". Hosts
+    // rely on the text as it stands. The text is cut to 20 characters, so a
+    // wider field than that changes nothing; bounding it keeps a corrupt
+    // decimal count from costing time.
     const int width = std::clamp(decimals, -21, 21);
-    // The negative form prints the whole part with its own sign as well:
-    // -150 over 100 gives "--1.50". Hosts rely on the text as it stands.
-    AppendFormatted(out, 20, strike < 0 ? "-%d.%0*d" : "%d.%0*d", whole, width,
-                    rest);
+    if (strike < 0) piece.Char('-');
+    piece.Int(whole).Char('.').Int(rest, width, true).AppendTo(out, 20);
     return true;
   }
 
@@ -422,12 +417,10 @@ bool SeriesNameFormatter::FormatLegs(const SeriesID& series, std::string& out,
     return true;
   }
 
-  std::string text;
-  if (!FormatLegList(list, text, config)) {
+  if (!AppendLegList(list, out, config)) {
     out.clear();
     return false;
   }
-  out += text;
   return true;
 }
 
@@ -443,11 +436,9 @@ bool SeriesNameFormatter::GetDefaultName(const SeriesID& series,
     config.flavoredExchange = flavored;
     return FormatSeriesInternal(series, out, config, series.strike);
   }
-  std::string text;
-  if (legs != nullptr) FormatLegList(*legs, text, DefaultFormatContractConfig);
   out = MarketNameOfExchange(series.product.exchange);
   out += ' ';
-  out += text;
+  if (legs != nullptr) AppendLegList(*legs, out, DefaultFormatContractConfig);
   return true;
 }
 

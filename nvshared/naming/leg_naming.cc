@@ -2,7 +2,6 @@
 // expanding nested spreads, unflavouring exchanges, equivalence across
 // flavours.
 #include <cctype>
-#include <cstdio>
 #include <map>
 #include <memory>
 #include <shared_mutex>
@@ -10,6 +9,7 @@
 #include "nvshared/market/exchange_names.h"
 #include "nvshared/market/internal/market_utils_internal.h"
 #include "nvshared/market/market_utils.h"
+#include "nvshared/naming/internal/text_piece.h"
 #include "nvshared/naming/series_name_formatter.h"
 #include "nvshared/platform/core/consumer.h"
 #include "nvshared/platform/core/market_table.h"
@@ -29,18 +29,6 @@ constexpr short kCustomMarketPriceTag = 1003;
 
 bool IsSpreadOrStrategyType(int type) {
   return type == dv_core_ns::SPREAD || type == dv_core_ns::STRATEGY;
-}
-
-void TrimInPlace(std::string& text) {
-  auto blank = [](char c) {
-    return std::isspace(static_cast<unsigned char>(c)) != 0;
-  };
-  std::size_t end = text.size();
-  while (end > 0 && blank(text[end - 1])) --end;
-  std::size_t begin = 0;
-  while (begin < end && blank(text[begin])) ++begin;
-  text.erase(end);
-  text.erase(0, begin);
 }
 
 // Appends each leg of `series`, its ratio multiplied by `outerRatio`. A
@@ -98,11 +86,10 @@ bool SeriesNameFormatter::FormatLeg(const Leg& leg, std::string& out,
     }
   }
   if (ratioText) {
-    char buffer[21];
-    const int n =
-        std::snprintf(buffer, sizeof buffer,
-                      config.showRatioSign ? "%+dx" : "%dx", leg.ratio);
-    if (n > 0) out.assign(buffer, std::min<std::size_t>(n, sizeof buffer - 1));
+    // "%+dx" with the sign, "%dx" without.
+    internal::TextPiece piece;
+    piece.Int(leg.ratio, 0, false, config.showRatioSign).Char('x');
+    piece.AppendTo(out, 20);
   }
 
   FormatContractConfig copy = config;
@@ -150,6 +137,31 @@ bool SeriesNameFormatter::VerifySameProduct(
   return true;
 }
 
+bool SeriesNameFormatter::AppendLegs(const LegList& list, std::string& out,
+                                     const FormatContractConfig& config) const {
+  const std::size_t start = out.size();
+  const bool sameProduct = VerifySameProduct(list.legs);
+  std::string text;
+  for (std::size_t i = 0; i < list.legs.size(); ++i) {
+    FormatContractConfig legConfig = config;
+    legConfig.showProduct = config.repeatProduct || i == 0 || !sameProduct;
+    legConfig.showRatioSign = config.showRatioSign && i != 0;
+    if (FormatLeg(list.legs[i], text, list.combCode, legConfig)) out += text;
+    if (i + 1 < list.legs.size() && !config.compact) out += ':';
+  }
+  // Trim the legs' text at both ends, in place.
+  auto blank = [](char c) {
+    return std::isspace(static_cast<unsigned char>(c)) != 0;
+  };
+  std::size_t end = out.size();
+  while (end > start && blank(out[end - 1])) --end;
+  out.erase(end);
+  std::size_t first = start;
+  while (first < end && blank(out[first])) ++first;
+  out.erase(start, first - start);
+  return true;
+}
+
 bool SeriesNameFormatter::FormatLegList(
     const LegList& list, std::string& exchange, std::string& spreadType,
     std::string& legs, const FormatContractConfig& config) const {
@@ -157,41 +169,35 @@ bool SeriesNameFormatter::FormatLegList(
   spreadType.clear();
   legs.clear();
   if (list.legs.empty()) return false;
-
   if (const SeriesID* first = list.legs.front().GetSharedSeriesID().get()) {
     exchange = GetExchangeName(first->product.exchange, true);
   }
   if (!config.compact) FormatSpreadType(list.combCode, spreadType);
+  return AppendLegs(list, legs, config);
+}
 
-  const bool sameProduct = VerifySameProduct(list.legs);
-  std::string text;
-  for (std::size_t i = 0; i < list.legs.size(); ++i) {
-    FormatContractConfig legConfig = config;
-    legConfig.showProduct = config.repeatProduct || i == 0 || !sameProduct;
-    legConfig.showRatioSign = config.showRatioSign && i != 0;
-    if (FormatLeg(list.legs[i], text, list.combCode, legConfig)) legs += text;
-    if (i + 1 < list.legs.size() && !config.compact) legs += ':';
+bool SeriesNameFormatter::AppendLegList(
+    const LegList& list, std::string& out,
+    const FormatContractConfig& config) const {
+  // The same text as the three-part form gives, built in place: the exchange
+  // name, which this form does not print, is not looked up.
+  if (list.legs.empty()) return false;
+  if (!config.compact) {
+    std::string_view type = dv_core_ns::CombCodeName(list.combCode);
+    if (list.combCode == dv_core_ns::COMB_CODE_SPREAD) type = {};
+    if (!type.empty()) {
+      out += type;
+      out += ": ";
+    }
   }
-  TrimInPlace(legs);
-  return true;
+  return AppendLegs(list, out, config);
 }
 
 bool SeriesNameFormatter::FormatLegList(
     const LegList& list, std::string& out,
     const FormatContractConfig& config) const {
   out.clear();
-  std::string exchange;
-  std::string spreadType;
-  std::string legs;
-  if (!FormatLegList(list, exchange, spreadType, legs, config)) return false;
-  if (spreadType.empty()) {
-    out = std::move(legs);
-  } else {
-    out = std::move(spreadType);
-    out += ": ";
-    out += legs;
-  }
-  return true;
+  return AppendLegList(list, out, config);
 }
 
 bool SeriesNameFormatter::FormatLegList(

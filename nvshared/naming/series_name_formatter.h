@@ -192,6 +192,12 @@ class NVSHARED_API SeriesNameFormatter {
   bool FormatLeg(const dv_core_ns::Leg& leg, std::string& out, int combCode,
                  const FormatContractConfig& config) const;
   bool VerifySameProduct(const std::vector<dv_core_ns::Leg>& legs) const;
+  // FormatLegList's one-text form, appended to `out`.
+  bool AppendLegList(const dv_core_ns::LegList& list, std::string& out,
+                     const FormatContractConfig& config) const;
+  // The legs' text, trimmed, appended to `out`.
+  bool AppendLegs(const dv_core_ns::LegList& list, std::string& out,
+                  const FormatContractConfig& config) const;
   // The name a contract has without its custom name: market, product and
   // expiry for an outright; market and legs for a spread or strategy.
   bool GetDefaultName(const dv_core_ns::SeriesID& series,
