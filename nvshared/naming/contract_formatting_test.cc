@@ -24,6 +24,12 @@ class SeriesNameFormatterPeer {
     f.entries_.insert_or_assign(key, entry);
     f.names_.insert_or_assign(name, key);
   }
+  static std::string DefaultName(const dv_core_ns::SeriesID& series,
+                                 const dv_core_ns::FullLegList* legs) {
+    std::string out;
+    SeriesNameFormatter::Instance().GetDefaultName(series, legs, out, true);
+    return out;
+  }
   static void Clear() {
     SeriesNameFormatter::Instance().entries_.clear();
     SeriesNameFormatter::Instance().names_.clear();
@@ -411,6 +417,22 @@ TEST_F(NamingTest, CustomNamesReplaceTheNameAcrossFlavours) {
             "Calendar: 1xES Mar14:-1xJun14");
   SeriesNameFormatterPeer::AddName(SampleSeries(kCmeA, "ESH4-ESM4"), "Roll");
   EXPECT_EQ(Name(SampleSeries(kCmeA, "ESH4-ESM4")), "Roll");
+}
+
+TEST_F(NamingTest, DefaultNamesLeadWithTheMarket) {
+  Formatter().SetProductNameEnabled(true);
+  const SeriesID& es = SampleSeries(kCmeA, "ESH4");
+  SeriesNameFormatterPeer::AddName(es, "Mine");
+  EXPECT_EQ(SeriesNameFormatterPeer::DefaultName(es, nullptr), "CME ES Mar14");
+  const SeriesID& calendar = SampleSeries(kCmeA, "ESH4-ESM4");
+  dv_core_ns::FullLegList legs;
+  legs.combCode = 516;
+  legs.legs.emplace_back(es, 1, 0);
+  legs.legs.emplace_back(SampleSeries(kCmeA, "ESM4"), -1, 0);
+  // Legs are never named by their custom names.
+  EXPECT_EQ(SeriesNameFormatterPeer::DefaultName(calendar, &legs),
+            "CME Calendar: 1xES Mar14:-1xJun14");
+  EXPECT_EQ(SeriesNameFormatterPeer::DefaultName(calendar, nullptr), "CME ");
 }
 
 TEST_F(NamingTest, RegistryHashAndKeyRule) {
