@@ -2,8 +2,6 @@
 // temporary file, and through the in-memory profile parser with buffers of
 // every awkward size. Nothing may crash or trip a sanitizer. The first byte
 // chooses whether dynamic connections are on.
-#include <unistd.h>
-
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
@@ -11,6 +9,8 @@
 #include <mutex>
 #include <string>
 #include <string_view>
+
+#include <unistd.h>
 
 #include "nvshared/mgt/mgt_ini.h"
 #include "nvshared/platform/core/reference_data.h"
@@ -52,7 +52,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data,
     const std::size_t got = profile.GetSectionNames(buffer, n);
     if (n >= 2 && got > n - 2 + 1) std::abort();
     for (const std::string& name : profile.section_names()) {
-      const std::size_t value = profile.GetString(name, "Member", "", buffer, n);
+      const std::size_t value =
+          profile.GetString(name, "Member", "", buffer, n);
       if (n > 0 && value >= n) std::abort();
     }
   }

@@ -101,55 +101,68 @@ TEST_F(MgtIniTest, SectionFaultsAndReports) {
   };
   const std::string m = std::string(kMGT);
   const Case cases[] = {
-      {"market name empty", "[market-]\n" + m,
+      {"market name empty",
+       "[market-]\n" + m,
        {"E  Market Section Value can not be succesfully parsed from "
         "\"market-\""},
        false},
-      {"market unknown", "[market-Unknown]\n" + m,
+      {"market unknown",
+       "[market-Unknown]\n" + m,
        {"E  Market Type \"Unknown\" can not be succesfully parsed"},
        false},
-      {"gateway name empty", "[gw-]\n" + m,
+      {"gateway name empty",
+       "[gw-]\n" + m,
        {"E  Gateway Section Value can not be succesfully parsed from \"gw-\""},
        false},
-      {"gateway unknown", "[gw-Nowhere]\n" + m,
+      {"gateway unknown",
+       "[gw-Nowhere]\n" + m,
        {"E  Exchange ID can not be succesfully parsed from Gateway "
         "\"Nowhere\""},
        false},
-      {"member of 11", "[gw-CME-A]\nMember=12345678901\nGroup=G\nTrader=T\n",
+      {"member of 11",
+       "[gw-CME-A]\nMember=12345678901\nGroup=G\nTrader=T\n",
        {"I Gateway [CME-A] parameters loaded:", "I \tMember=12345678901",
         "I \tGroup=G", "I \tTrader=T", "I \tPrimary=No"},
        true},
-      {"member of 12", "[gw-CME-A]\nMember=123456789012\nGroup=G\nTrader=T\n",
+      {"member of 12",
+       "[gw-CME-A]\nMember=123456789012\nGroup=G\nTrader=T\n",
        {"E Value for Member \"123456789012\" in section \"gw-CME-A\" is too "
         "long.",
         "E  Gateway MGT can not be succesfully parsed for Gateway \"CME-A\""},
        false},
-      {"group of 3", "[gw-CME-A]\nMember=M\nGroup=ABC\nTrader=T\n",
-       {"I Gateway [CME-A] parameters loaded:", "I \tMember=M",
-        "I \tGroup=ABC", "I \tTrader=T", "I \tPrimary=No"},
+      {"group of 3",
+       "[gw-CME-A]\nMember=M\nGroup=ABC\nTrader=T\n",
+       {"I Gateway [CME-A] parameters loaded:", "I \tMember=M", "I \tGroup=ABC",
+        "I \tTrader=T", "I \tPrimary=No"},
        true},
-      {"group of 4", "[market-CME]\nMember=M\nGroup=ABCD\nTrader=T\n",
+      {"group of 4",
+       "[market-CME]\nMember=M\nGroup=ABCD\nTrader=T\n",
        {"E Value for Group \"ABCD\" in section \"market-CME\" is too long.",
         "E  Market MGT can not be succesfully parsed for Market \"CME\""},
        false},
-      {"trader of 12", "[gw-CME-A]\nMember=M\nGroup=G\nTrader=ABCDEFGHIJKL\n",
+      {"trader of 12",
+       "[gw-CME-A]\nMember=M\nGroup=G\nTrader=ABCDEFGHIJKL\n",
        {"E Value for Trader \"ABCDEFGHIJKL\" in section \"gw-CME-A\" is too "
         "long.",
         "E  Gateway MGT can not be succesfully parsed for Gateway \"CME-A\""},
        false},
-      {"member missing", "[gw-CME-A]\nGroup=G\nTrader=T\n",
+      {"member missing",
+       "[gw-CME-A]\nGroup=G\nTrader=T\n",
        {"E  Gateway MGT can not be succesfully parsed for Gateway \"CME-A\""},
        false},
-      {"trader id type, any case", "[gw-CME-A]\n" + m + "TraderIdType=username\n",
+      {"trader id type, any case",
+       "[gw-CME-A]\n" + m + "TraderIdType=username\n",
        Join(Report("Gateway", "CME-A"), {"I \tTraderIdType=Username"}), true},
-      {"trader id type unknown", "[gw-CME-A]\n" + m + "TraderIdType=Admin\n",
+      {"trader id type unknown",
+       "[gw-CME-A]\n" + m + "TraderIdType=Admin\n",
        {"E Value for TraderIdType \"Admin\" in section \"gw-CME-A\" cannot be "
         "parsed.",
         "E  Gateway MGT can not be succesfully parsed for Gateway \"CME-A\""},
        false},
       {"primary of one letter", "[gw-CME-A]\n" + m + "Primary=y\n",
        Report("Gateway", "CME-A", true), true},
-      {"primary of three letters", "[gw-CME-A]\n" + m + "Primary=Yes\n",
+      {"primary of three letters",
+       "[gw-CME-A]\n" + m + "Primary=Yes\n",
        {"E Value for \"Primary\" (Yes) in section \"gw-CME-A\" must be only "
         "one character long.",
         "E  Gateway MGT can not be succesfully parsed for Gateway \"CME-A\""},
@@ -194,8 +207,7 @@ TEST_F(MgtIniTest, SectionFaultsAndReports) {
     MgtINI mgt;
     mgt.SetLoggers(&MgtLogInfo, &MgtLogError);
     sink_->Clear();
-    const bool loaded =
-        mgt.Load(dir_.WriteFile("test.mgt", c.file).c_str());
+    const bool loaded = mgt.Load(dir_.WriteFile("test.mgt", c.file).c_str());
     EXPECT_THAT(Lines(), ElementsAreArray(Join({Loading()}, c.lines)));
     EXPECT_EQ(mgt.GetMgt(kCmeA) != nullptr, c.accepted);
     EXPECT_EQ(loaded, c.accepted);
@@ -203,9 +215,8 @@ TEST_F(MgtIniTest, SectionFaultsAndReports) {
 }
 
 TEST_F(MgtIniTest, RefusedServerAddresses) {
-  for (const char* server :
-       {"0.0.0.0", "255.255.255.255", "300.1.1.1", "1.2.3", "1.2.3.4.5",
-        "host.example", "1.2.3.4 "}) {
+  for (const char* server : {"0.0.0.0", "255.255.255.255", "300.1.1.1", "1.2.3",
+                             "1.2.3.4.5", "host.example", "1.2.3.4 "}) {
     SCOPED_TRACE(server);
     MgtINI mgt;
     mgt.SetLoggers(&MgtLogInfo, &MgtLogError);
@@ -237,20 +248,18 @@ TEST_F(MgtIniTest, DuplicatesAreCountedByExactName) {
       "E All instances of section \"gw-CME-A\" will be ignored because there "
       "are duplicates.";
   // Both spellings of CME-B are parsed, and both read the first section.
-  EXPECT_THAT(Lines(), ElementsAreArray(Join(
-                           Join({Loading(), dup, dup},
-                                Report("Gateway", "CME-B")),
-                           Report("Gateway", "CME-B"))));
+  EXPECT_THAT(Lines(), ElementsAreArray(Join(Join({Loading(), dup, dup},
+                                                  Report("Gateway", "CME-B")),
+                                             Report("Gateway", "CME-B"))));
   EXPECT_EQ(mgt_.GetMgt(kCmeA), nullptr);
-  EXPECT_THAT(GatewayIds(), ElementsAre(std::pair(false, kCmeB),
-                                        std::pair(false, kCmeB)));
+  EXPECT_THAT(GatewayIds(),
+              ElementsAre(std::pair(false, kCmeB), std::pair(false, kCmeB)));
 }
 
 TEST_F(MgtIniTest, GetMgtFallsBackFromGatewayToMarket) {
   ASSERT_TRUE(Load(std::string("[market-CME]\nMember=MKT\nGroup=G\nTrader=T\n"
                                "[gw-CME-A]\n") +
-                   kMGT +
-                   "[gw-eCBOT-A]\n" + kMGT +  // CBOT: gateways only
+                   kMGT + "[gw-eCBOT-A]\n" + kMGT +  // CBOT: gateways only
                    "[gw-LIFFE]\n" + kMGT));
   ASSERT_NE(mgt_.GetMgt(kCmeA), nullptr);
   EXPECT_EQ(mgt_.GetMgt(kCmeA)->m_member, "M");
@@ -298,8 +307,8 @@ TEST_F(MgtIniTest, DynamicConnections) {
   MgtINI mgt;
   mgt.SetLoggers(&MgtLogInfo, &MgtLogError);
   // Member, Group and Trader are not read, however wrong they are.
-  mgt.Load(dir_.WriteFile("test.mgt", "[gw-CME-A]\nMember=1234567890123\n")
-               .c_str());
+  mgt.Load(
+      dir_.WriteFile("test.mgt", "[gw-CME-A]\nMember=1234567890123\n").c_str());
   SetDynamic(false);
   const Mgt* got = mgt.GetMgt(kCmeA);
   ASSERT_NE(got, nullptr);
@@ -335,9 +344,9 @@ TEST_F(MgtIniTest, AssignmentCopiesMarketsButNotTheGatewayList) {
   EXPECT_EQ(other.GetMgt(kLiffe), nullptr);
   EXPECT_NE(other.GetMgt(kCmeA), mgt_.GetMgt(kCmeA));
   using GatewayIdList = MgtINI::GatewayIdList;
-  EXPECT_THAT(GatewayIdList(other.GetGatewayID_Begin(),
-                            other.GetGatewayID_End()),
-              ElementsAre(std::pair(false, kLiffe)));
+  EXPECT_THAT(
+      GatewayIdList(other.GetGatewayID_Begin(), other.GetGatewayID_End()),
+      ElementsAre(std::pair(false, kLiffe)));
   other = other;
   EXPECT_NE(other.GetMgt(kCmeA), nullptr);
 }
