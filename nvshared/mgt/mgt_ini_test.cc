@@ -216,7 +216,7 @@ TEST_F(MgtIniTest, SectionFaultsAndReports) {
 
 TEST_F(MgtIniTest, RefusedServerAddresses) {
   for (const char* server : {"0.0.0.0", "255.255.255.255", "300.1.1.1", "1.2.3",
-                             "1.2.3.4.5", "host.example", "1.2.3.4 "}) {
+                             "1.2.3.4.5", "host.example"}) {
     SCOPED_TRACE(server);
     MgtINI mgt;
     mgt.SetLoggers(&MgtLogInfo, &MgtLogError);
@@ -226,11 +226,6 @@ TEST_F(MgtIniTest, RefusedServerAddresses) {
                  .c_str());
     const auto lines = Lines();
     ASSERT_FALSE(lines.empty());
-    // "1.2.3.4 " loses its blank to the file reader and passes.
-    if (std::string(server) == "1.2.3.4 ") {
-      EXPECT_NE(mgt.GetMgt(kCmeB), nullptr);
-      continue;
-    }
     EXPECT_EQ(lines.back(),
               "E  Preferred_Server setting cannot be parsed for the gateway "
               "\"CME-B\" definition. Gateway is not enabled due to parsing "

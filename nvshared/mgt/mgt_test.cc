@@ -62,14 +62,5 @@ TEST(MgtTest, SetAlwaysMarksSetButAssignmentCopiesTheFlag) {
   EXPECT_EQ(self.m_trader, "");
 }
 
-TEST(MgtTest, MarketEntryServesAsItsIdentity) {
-  MktMgt market;
-  EXPECT_EQ(market.m_marketId, -1);
-  EXPECT_FALSE(market.m_primary);
-  market.Set(Mgt("M", "G", "T", {}, "", false, TraderIdType::None));
-  const Mgt* asMgt = &market;
-  EXPECT_EQ(asMgt->m_member, "M");
-}
-
 }  // namespace
 }  // namespace nv_ns
