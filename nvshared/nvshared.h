@@ -46,4 +46,13 @@
 #include "nvshared/platform/utils/dm_utils.h"
 #include "nvshared/platform/utils/exception_handler.h"
 
+// Gateway login configuration, with the profile files and settings store it
+// reads.
+#include "nvshared/mgt/mgt.h"
+#include "nvshared/mgt/mgt_ini.h"
+#include "nvshared/platform/os/atomic_file.h"
+#include "nvshared/platform/os/inet_address.h"
+#include "nvshared/platform/os/profile_file.h"
+#include "nvshared/platform/utils/registry_mgr.h"
+
 #endif  // NVSHARED_NVSHARED_H_

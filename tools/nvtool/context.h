@@ -29,6 +29,7 @@ struct Context {
 // Each subcommand adds itself to the application.
 void AddExchangesCommand(CLI::App& app, Context& context);
 void AddDemoCommand(CLI::App& app, Context& context);
+void AddMgtCommand(CLI::App& app, Context& context);
 void AddNameCommand(CLI::App& app, Context& context);
 
 }  // namespace nvtool

@@ -24,6 +24,7 @@ int main(int argc, char** argv) {
 
   nvtool::AddExchangesCommand(app, context);
   nvtool::AddDemoCommand(app, context);
+  nvtool::AddMgtCommand(app, context);
   nvtool::AddNameCommand(app, context);
 
   try {

@@ -73,3 +73,20 @@ run(2 "^$" "^nvtool: .*--bogus" exchanges --bogus)
 # demo runs on the bundled data and on a given file.
 run(0 "Reference data: 23 exchanges.*\\[message box, type 0x30\\] Trader recovered from an error \\(code 7\\)\\.  order book rebuilt\n.*\\[log, severity -1, code 8\\] trader Client\n" "" demo)
 run(0 "Reference data: 1 exchanges" "" --refdata "${WORK_DIR}/small.json" demo)
+
+# mgt: the bundled sample loads; every logged line is marked; --gateway
+# prints the identity, its market's as fallback, or none.
+run(0 "mgt.*--gateway.*--dynamic" "^$" mgt --help)
+run(0 "^info  MGT_INI: Loading gateway specific parameters from .*sample.mgt\ninfo  MGT_INI: Market \\[CME\\] parameters loaded:\n.*info  MGT_INI: \tPrice_Subscription_Gateway=CME-A, CME-B, \n.*Load: true\ngateway CME-A: Member=GLOBEX01 Group=GLX Trader=TRADER7 Mandatory_Server=10.20.30.40 Price_Subscription_Gateway=CME-A TraderIdType=None\ngateway CME-B: Member=CMEMEMBER01 .* \\(market level\\)\ngateway eCBOT-B: no identity\n$"
+    "^$" mgt "${SOURCE_DIR}/data/sample.mgt" --gateway CME-A --gateway CME-B
+    --gateway eCBOT-B)
+file(WRITE "${WORK_DIR}/bad.mgt" "[gw-CME-A]\nMember=M\nGroup=G\nTrader=T\nPreferred_Server=300.1.1.1\n[gw-CME-A]\n")
+run(1 "^info  MGT_INI: Loading[^\n]*\nerror MGT_INI: All instances of section \"gw-CME-A\" will be ignored because there are duplicates.\nLoad: false\n$"
+    "^nvtool: .*bad.mgt: no market could be loaded\n$" mgt "${WORK_DIR}/bad.mgt")
+file(WRITE "${WORK_DIR}/dynamic.mgt" "[gw-CME-B]\nPrimary=Y\n")
+run(0 "Load: true\ngateway CME-B: Member=DVADM Group=XXX Trader=MGR TraderIdType=None\n$" "^$"
+    mgt "${WORK_DIR}/dynamic.mgt" --dynamic --gateway CME-B)
+run(1 "^$" "^nvtool: .*missing.mgt: cannot open the file" mgt "${WORK_DIR}/missing.mgt")
+run(1 "^$" "^nvtool: --gateway Nowhere: no such gateway in the reference data\n$"
+    mgt "${SOURCE_DIR}/data/sample.mgt" --gateway Nowhere)
+run(2 "^$" "^nvtool: FILE is required" mgt)

@@ -1,0 +1,32 @@
+// Whole-file reads and crash-safe whole-file replacement, for stores that
+// keep their state in one small file.
+//
+// Threads: safe anywhere; two writers of the same path race for the last
+// rename, and each leaves a complete file.
+#ifndef NVSHARED_PLATFORM_OS_ATOMIC_FILE_H_
+#define NVSHARED_PLATFORM_OS_ATOMIC_FILE_H_
+
+#include <string>
+#include <string_view>
+
+#include "nvshared/export.h"
+#include "nvshared/status.h"
+
+namespace nvshared::os {
+
+// True if something exists at `path` (a file, a directory, anything).
+NVSHARED_API bool PathExists(const std::string& path);
+
+// The whole contents of the file at `path`, or an error naming the path.
+NVSHARED_API StatusOr<std::string> ReadWholeFile(const std::string& path);
+
+// Replaces the file at `path` with `contents`: writes a temporary file
+// beside it, flushes it to disk, renames it over `path` and flushes the
+// directory. A crash leaves either the old file or the new one, never a part.
+// On error the old file is untouched and the temporary file removed.
+NVSHARED_API Status ReplaceFileAtomically(const std::string& path,
+                                          std::string_view contents);
+
+}  // namespace nvshared::os
+
+#endif  // NVSHARED_PLATFORM_OS_ATOMIC_FILE_H_
