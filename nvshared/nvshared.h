@@ -40,5 +40,10 @@
 #include "nvshared/platform/os/wide_text.h"
 #include "nvshared/platform/utils/dm_utils.h"
 #include "nvshared/platform/utils/exception_handler.h"
+#include "nvshared/platform/utils/udp_date_time.h"
+
+// User-defined prices.
+#include "nvshared/udp/udp_enums.h"
+#include "nvshared/udp/udp_ytm_calc.h"
 
 #endif  // NVSHARED_NVSHARED_H_
