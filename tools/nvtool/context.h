@@ -29,6 +29,8 @@ struct Context {
 // Each subcommand adds itself to the application.
 void AddExchangesCommand(CLI::App& app, Context& context);
 void AddDemoCommand(CLI::App& app, Context& context);
+void AddYieldCommand(CLI::App& app, Context& context);
+void AddPriceCommand(CLI::App& app, Context& context);
 
 }  // namespace nvtool
 

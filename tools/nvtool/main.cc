@@ -24,6 +24,8 @@ int main(int argc, char** argv) {
 
   nvtool::AddExchangesCommand(app, context);
   nvtool::AddDemoCommand(app, context);
+  nvtool::AddYieldCommand(app, context);
+  nvtool::AddPriceCommand(app, context);
 
   try {
     app.parse(argc, argv);
