@@ -45,6 +45,11 @@
 #include "nvshared/platform/os/wide_text.h"
 #include "nvshared/platform/utils/dm_utils.h"
 #include "nvshared/platform/utils/exception_handler.h"
+#include "nvshared/platform/utils/udp_date_time.h"
+
+// User-defined prices.
+#include "nvshared/udp/udp_enums.h"
+#include "nvshared/udp/udp_ytm_calc.h"
 
 // Gateway login configuration, with the profile files and settings store it
 // reads.

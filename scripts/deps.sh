@@ -9,6 +9,7 @@ NVSHARED_PACKAGES=(
   libboost-dev libboost-regex-dev libboost-date-time-dev
   nlohmann-json3-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
+  libquantlib0-dev
 )
 # The fuzz build: clang with its libFuzzer and sanitizer runtimes.
 NVSHARED_FUZZ_PACKAGES=(clang libclang-rt-14-dev)

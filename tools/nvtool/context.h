@@ -31,6 +31,8 @@ void AddExchangesCommand(CLI::App& app, Context& context);
 void AddDemoCommand(CLI::App& app, Context& context);
 void AddMgtCommand(CLI::App& app, Context& context);
 void AddNameCommand(CLI::App& app, Context& context);
+void AddYieldCommand(CLI::App& app, Context& context);
+void AddPriceCommand(CLI::App& app, Context& context);
 
 }  // namespace nvtool
 

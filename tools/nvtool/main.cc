@@ -26,6 +26,8 @@ int main(int argc, char** argv) {
   nvtool::AddDemoCommand(app, context);
   nvtool::AddMgtCommand(app, context);
   nvtool::AddNameCommand(app, context);
+  nvtool::AddYieldCommand(app, context);
+  nvtool::AddPriceCommand(app, context);
 
   try {
     app.parse(argc, argv);

@@ -90,3 +90,29 @@ run(1 "^$" "^nvtool: .*missing.mgt: cannot open the file" mgt "${WORK_DIR}/missi
 run(1 "^$" "^nvtool: --gateway Nowhere: no such gateway in the reference data\n$"
     mgt "${SOURCE_DIR}/data/sample.mgt" --gateway Nowhere)
 run(2 "^$" "^nvtool: FILE is required" mgt)
+# yield and price: a bond settled on a coupon date is at par when its yield
+# is its coupon; refusals give the code and its meaning.
+set(par --settle 2024-03-15 --maturity 2029-03-15 --coupon 4)
+run(0 "^4\\.0000000000\n$" "^$" yield ${par} --price 100)
+run(0 "^100\\.0000000000\n$" "^$" price ${par} --yield 4)
+run(0 "^125\\.0000000000\n$" "^$" price ${par} --yield 4 --factor 0.8)
+run(0 "^shape: regular\nN: 10\nC: 2\\.0000000000\nAI: 0\\.0000000000\nw: 1\\.0000000000\nCl: 0\\.0000000000\nCs: 0\\.0000000000\nyield: 4\\.0000000000\n$"
+    "^$" yield ${par} --price 100 --explain)
+run(0 "^shape: long first\nN: 10\n" "^$" price --settle 2025-02-20
+    --maturity 2030-06-15 --coupon 6 --optional --issue 2024-01-10
+    --first-coupon 2025-06-15 --daycount actual/actual --yield 5.5 --explain)
+run(0 "Usage: nvtool yield.*--first-coupon.*--explain" "^$" yield --help)
+run(1 "^$" "^nvtool: refused: validation code 3, conversion factor out of range"
+    price ${par} --yield 4 --factor 5)
+run(1 "^$" "^nvtool: refused: validation code 2, coupon out of range" yield
+    --settle 2024-03-15 --maturity 2029-03-15 --coupon 100 --price 90)
+run(1 "^$" "^nvtool: refused: first coupon code 8, " price ${par} --optional
+    --issue 2023-01-01 --first-coupon 2024-09-14 --yield 4)
+run(1 "^$" "^nvtool: refused: a price below 1\\.0 has no yield\n$" yield ${par}
+    --price 0.5)
+run(1 "^$" "^nvtool: no price for yield 0\\.0000000000" price ${par} --yield 0)
+run(2 "^$" "^nvtool: --settle: not a date in the form YYYY-MM-DD: 2024-02-30\n"
+    yield --settle 2024-02-30 --maturity 2029-03-15 --coupon 4 --price 100)
+run(2 "^$" "^nvtool: --daycount: unknown day count 'x'" yield ${par} --price 100
+    --daycount x)
+run(2 "^$" "^nvtool: .*--price.*required" yield ${par})

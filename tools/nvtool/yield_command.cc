@@ -1,0 +1,253 @@
+// nvtool yield and nvtool price: a bond's yield to maturity from its clean
+// price, and back, through the library's yield calculator.
+#include <cctype>
+#include <cstdio>
+#include <memory>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+
+#include "nvshared/platform/utils/udp_date_time.h"
+#include "nvshared/udp/udp_enums.h"
+#include "nvshared/udp/udp_ytm_calc.h"
+#include "tools/nvtool/context.h"
+
+namespace nvtool {
+namespace {
+
+struct BondOptions {
+  std::string settle, maturity, issue, firstCoupon;
+  double coupon = 0.0;
+  int frequency = 2;
+  std::string dayCount = "0";
+  bool endOfMonth = false;
+  bool optional = false;
+  double factor = 1.0;
+  bool explain = false;
+  double value = 0.0;  // the price for `yield`, the yield for `price`
+};
+
+std::string Fixed(double value, int decimals) {
+  char buf[64];
+  std::snprintf(buf, sizeof buf, "%.*f", decimals, value);
+  return buf;
+}
+
+// YYYY-MM-DD, a real date.
+nv_ns::UDPDateTime ParseDate(const std::string& option,
+                             const std::string& text) {
+  bool shaped = text.size() == 10 && text[4] == '-' && text[7] == '-';
+  for (std::size_t i = 0; shaped && i < text.size(); ++i) {
+    if (i != 4 && i != 7) {
+      shaped = std::isdigit(static_cast<unsigned char>(text[i])) != 0;
+    }
+  }
+  nv_ns::UDPDateTime date;
+  if (!shaped ||
+      !date.ParseDateTime(text.c_str(), nv_ns::UDPDateTime::kDateValueOnly,
+                          nv_ns::UDPDateTime::kUserDefaultLocale)) {
+    throw CLI::ValidationError(option,
+                               "not a date in the form YYYY-MM-DD: " + text);
+  }
+  return date;
+}
+
+std::string Lower(std::string s) {
+  for (char& c : s) c = static_cast<char>(std::tolower(c));
+  return s;
+}
+
+// A day-count number 0..5 or its name, in any case.
+int ParseDayCount(const std::string& text) {
+  for (int i = 0; i <= 5; ++i) {
+    const std::string& name =
+        nv_ns::UDPEnumNames::GetDayCountTypeString(nv_ns::UDPDayCountType(i));
+    if (text == std::to_string(i) || Lower(text) == Lower(name)) return i;
+  }
+  throw CLI::ValidationError(
+      "--daycount", "unknown day count '" + text +
+                        "' (0 Actual/Actual, 1 Actual/360, 2 30/360, 3 "
+                        "30/365, 4 30E/360, 5 Actual/365)");
+}
+
+const char* ValidationMeaning(int code) {
+  switch (code) {
+    case 1:
+      return "settlement date not before maturity";
+    case 2:
+      return "coupon out of range (above 0 and below 100)";
+    case 3:
+      return "conversion factor out of range (0.1 up to, not including, 5.0)";
+    case 4:
+      return "coupon frequency zero";
+    default:
+      return "unknown";
+  }
+}
+
+const char* FirstCouponMeaning(int code) {
+  switch (code) {
+    case 5:
+      return "first coupon date or issue date missing";
+    case 7:
+      return "first coupon date outside the span from issue to maturity";
+    case 8:
+      return "first coupon date not on the coupon calendar counted back from "
+             "maturity, after the issue date";
+    default:
+      return "unknown";
+  }
+}
+
+// Builds the calculator from the options, or throws the refusal.
+void Initialize(const BondOptions& o, CUDPYTMCalc& calc) {
+  if (!o.optional && (!o.issue.empty() || !o.firstCoupon.empty())) {
+    throw CLI::RuntimeError(
+        "--issue and --first-coupon are used only with --optional", 1);
+  }
+  const nv_ns::UDPDateTime settle = ParseDate("--settle", o.settle);
+  const nv_ns::UDPDateTime maturity = ParseDate("--maturity", o.maturity);
+  // An absent optional date is an invalid value, which the calculator takes
+  // as "not given".
+  const nv_ns::UDPDateTime absent(-1e12);
+  const nv_ns::UDPDateTime issue =
+      o.issue.empty() ? absent : ParseDate("--issue", o.issue);
+  const nv_ns::UDPDateTime first =
+      o.firstCoupon.empty() ? absent
+                            : ParseDate("--first-coupon", o.firstCoupon);
+
+  CUDPYTMCalc::CalcParams p;
+  p.m_pSettlement = &settle;
+  p.m_pMaturity = &maturity;
+  p.m_pIssue = &issue;
+  p.m_pFirstCoupon = &first;
+  p.m_CouponFreq = o.frequency;
+  p.m_DayCount = ParseDayCount(o.dayCount);
+  p.m_dCoupon = o.coupon;
+  p.m_dConvFactor = o.factor;
+  p.m_bEOMConversion = o.endOfMonth;
+  p.m_bYTMOptionalSettings = o.optional;
+
+  const int code = CUDPYTMCalc::ValidateValues(p);
+  if (code != 0) {
+    throw CLI::RuntimeError("refused: validation code " + std::to_string(code) +
+                                ", " + ValidationMeaning(code),
+                            1);
+  }
+  try {
+    if (o.optional) {
+      const int check = CUDPYTMCalc::IsValidFirstCouponDate(
+          issue, first, maturity, o.frequency, o.endOfMonth);
+      if (check != 0) {
+        throw CLI::RuntimeError("refused: first coupon code " +
+                                    std::to_string(check) + ", " +
+                                    FirstCouponMeaning(check),
+                                1);
+      }
+    }
+    if (!calc.Initialize(p)) {
+      throw CLI::RuntimeError("refused: the terms give no coupon calendar", 1);
+    }
+  } catch (const std::out_of_range& e) {
+    throw CLI::RuntimeError(
+        std::string("a date is outside the calendar (years 1400 to 9999): ") +
+            e.what(),
+        1);
+  }
+}
+
+void Explain(std::ostream& out, const CUDPYTMCalc& calc) {
+  out << "shape: " << calc.GetShapeName() << '\n'
+      << "N: " << calc.GetPeriods() << '\n'
+      << "C: " << Fixed(calc.GetPeriodCoupon(), 10) << '\n'
+      << "AI: " << Fixed(calc.GetAccrued(), 10) << '\n'
+      << "w: " << Fixed(calc.GetFraction(), 10) << '\n'
+      << "Cl: " << Fixed(calc.GetLongCoupon(), 10) << '\n'
+      << "Cs: " << Fixed(calc.GetShortCoupon(), 10) << '\n';
+}
+
+CLI::App* AddBondCommand(CLI::App& app, const std::string& name,
+                         const std::string& description, BondOptions& o) {
+  CLI::App* sub = app.add_subcommand(name, description);
+  sub->add_option("--settle", o.settle, "Settlement date, YYYY-MM-DD")
+      ->required();
+  sub->add_option("--maturity", o.maturity, "Maturity date, YYYY-MM-DD")
+      ->required();
+  sub->add_option("--coupon", o.coupon, "Annual coupon in percent, e.g. 4.25")
+      ->required();
+  sub->add_option("--freq", o.frequency, "Coupons a year: 1, 2, 4 or 12")
+      ->check(CLI::IsMember({1, 2, 4, 12}))
+      ->capture_default_str();
+  sub->add_option("--daycount", o.dayCount,
+                  "Day count by number or name: 0 Actual/Actual, "
+                  "1 Actual/360, 2 30/360, 3 30/365, 4 30E/360, 5 Actual/365")
+      ->capture_default_str();
+  sub->add_flag("--eom", o.endOfMonth,
+                "End-of-month rule: coupons of a month-end maturity stay on "
+                "month ends, and 30/360 counts February's last day as the "
+                "30th");
+  sub->add_flag("--optional", o.optional,
+                "Use --issue and --first-coupon for an odd first period");
+  sub->add_option("--issue", o.issue, "Issue (dated) date, YYYY-MM-DD");
+  sub->add_option("--first-coupon", o.firstCoupon,
+                  "First coupon date, YYYY-MM-DD");
+  sub->add_option("--factor", o.factor,
+                  "Conversion factor: prices are futures prices, the bond's "
+                  "price divided by it")
+      ->capture_default_str();
+  sub->add_flag("--explain", o.explain,
+                "Also print the bond's shape and its reduced terms N, C, AI, "
+                "w, Cl, Cs");
+  return sub;
+}
+
+}  // namespace
+
+void AddYieldCommand(CLI::App& app, Context& context) {
+  auto o = std::make_shared<BondOptions>();
+  CLI::App* sub = AddBondCommand(
+      app, "yield",
+      "Yield to maturity in percent from a clean price per 100, printed "
+      "with 10 decimals.",
+      *o);
+  sub->add_option("--price", o->value, "Clean price per 100 (at least 1.0)")
+      ->required();
+  sub->callback([&context, o] {
+    CUDPYTMCalc calc;
+    Initialize(*o, calc);
+    if (o->explain) Explain(*context.out, calc);
+    double yield = 0.0;
+    if (!calc.CalcYieldToMaturity(o->value, yield)) {
+      throw CLI::RuntimeError(
+          o->value < 1.0 ? "refused: a price below 1.0 has no yield"
+                         : "no yield found for price " + Fixed(o->value, 10),
+          1);
+    }
+    *context.out << (o->explain ? "yield: " : "") << Fixed(yield, 10) << '\n';
+  });
+}
+
+void AddPriceCommand(CLI::App& app, Context& context) {
+  auto o = std::make_shared<BondOptions>();
+  CLI::App* sub = AddBondCommand(
+      app, "price",
+      "Clean price per 100 from a yield to maturity in percent, printed "
+      "with 10 decimals.",
+      *o);
+  sub->add_option("--yield", o->value, "Yield to maturity in percent")
+      ->required();
+  sub->callback([&context, o] {
+    CUDPYTMCalc calc;
+    Initialize(*o, calc);
+    if (o->explain) Explain(*context.out, calc);
+    double price = 0.0;
+    if (!calc.CalcPriceFromYield(o->value, price)) {
+      throw CLI::RuntimeError("no price for yield " + Fixed(o->value, 10) +
+                                  " (at a yield of 0 the formula has no value)",
+                              1);
+    }
+    *context.out << (o->explain ? "price: " : "") << Fixed(price, 10) << '\n';
+  });
+}
+
+}  // namespace nvtool
