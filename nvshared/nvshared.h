@@ -55,4 +55,12 @@
 #include "nvshared/platform/os/profile_file.h"
 #include "nvshared/platform/utils/registry_mgr.h"
 
+// Defaults selection: keys, matching and the default records, with the
+// utility library's date and randomizer they use.
+#include "nvshared/defaults/criteria_key.h"
+#include "nvshared/defaults/default_key.h"
+#include "nvshared/defaults/defaults_entry_iterator.h"
+#include "nvshared/platform/utils/dv_randomizer.h"
+#include "nvshared/platform/utils/nv_date.h"
+
 #endif  // NVSHARED_NVSHARED_H_
