@@ -177,14 +177,14 @@ TEST_F(DefaultKeyTest, BrokerAndTemplateFilterWhenTheKeyNamesThem) {
 
 TEST_F(DefaultKeyTest, WildFieldsNeitherExcludeNorScore) {
   int score = 0;
-  // A wild key takes the first entry, however specific the others are.
+  // A wild key takes the first entry, however narrow the others are.
   EXPECT_EQ(
       Winner(MakeKey(),
              {{.gateway = "x", .products = "ZZ", .type = 3}, {.market = 99}},
              &score),
       0);
   EXPECT_EQ(score, 0);
-  // Wild entries pass a specific key with score 0.
+  // Wild entries pass a key that names everything with score 0.
   EXPECT_EQ(Winner(MakeKey(7, 1, "ES"), {{}}, &score), 0);
   EXPECT_EQ(score, 0);
   // A named field that differs drops the entry.
