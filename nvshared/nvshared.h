@@ -57,9 +57,12 @@
 
 // Defaults selection: keys, matching and the default records, with the
 // utility library's date and randomizer they use.
+#include "nvshared/defaults/cd_criteria.h"
 #include "nvshared/defaults/criteria_key.h"
 #include "nvshared/defaults/default_key.h"
 #include "nvshared/defaults/defaults_entry_iterator.h"
+#include "nvshared/defaults/od_criteria.h"
+#include "nvshared/defaults/rr_criteria.h"
 #include "nvshared/platform/utils/dv_randomizer.h"
 #include "nvshared/platform/utils/nv_date.h"
 
