@@ -66,4 +66,10 @@
 #include "nvshared/platform/utils/dv_randomizer.h"
 #include "nvshared/platform/utils/nv_date.h"
 
+// Users and risk.
+#include "nvshared/risk/limit_info.h"
+#include "nvshared/risk/mgt_info.h"
+#include "nvshared/risk/trader_info.h"
+#include "nvshared/risk/user_info.h"
+
 #endif  // NVSHARED_NVSHARED_H_
