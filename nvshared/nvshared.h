@@ -61,6 +61,7 @@
 #include "nvshared/defaults/criteria_key.h"
 #include "nvshared/defaults/default_key.h"
 #include "nvshared/defaults/defaults_entry_iterator.h"
+#include "nvshared/defaults/defaults_table.h"
 #include "nvshared/defaults/od_criteria.h"
 #include "nvshared/defaults/rr_criteria.h"
 #include "nvshared/platform/utils/dv_randomizer.h"

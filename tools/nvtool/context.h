@@ -31,6 +31,7 @@ void AddExchangesCommand(CLI::App& app, Context& context);
 void AddDemoCommand(CLI::App& app, Context& context);
 void AddMgtCommand(CLI::App& app, Context& context);
 void AddNameCommand(CLI::App& app, Context& context);
+void AddMatchCommand(CLI::App& app, Context& context);
 
 }  // namespace nvtool
 

@@ -26,6 +26,7 @@ int main(int argc, char** argv) {
   nvtool::AddDemoCommand(app, context);
   nvtool::AddMgtCommand(app, context);
   nvtool::AddNameCommand(app, context);
+  nvtool::AddMatchCommand(app, context);
 
   try {
     app.parse(argc, argv);
