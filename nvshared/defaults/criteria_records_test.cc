@@ -77,16 +77,6 @@ TEST(CriteriaRecordsTest, CopiesCarryEveryFieldAndSelfAssignmentIsHarmless) {
   ODCRITERIA& self = copy;
   copy = self;
   EXPECT_EQ(copy.m_name, "n");
-
-  CDCRITERIA cd;
-  cd.m_obo3 = "c";
-  cd.m_flags[3] = 4;
-  cd.m_text7 = "t7";
-  CDCRITERIA other;
-  other.CommonCopy(cd);
-  EXPECT_EQ(other.m_obo3, "c");
-  EXPECT_EQ(other.m_flags[3], 4);
-  EXPECT_EQ(other.m_text7, "t7");
 }
 
 TEST(CriteriaRecordsTest, GatewayAndAliasSuffix) {

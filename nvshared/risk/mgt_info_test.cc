@@ -7,7 +7,6 @@
 namespace {
 
 using nv_ns::MGTInfo;
-using nv_ns::MGTUserRecord;
 
 TEST(MGTInfoTest, KeyIsThePartsRunTogether) {
   MGTInfo mgt("M1", "G1", "T1");
@@ -45,19 +44,6 @@ TEST(MGTInfoTest, GatewaysSurviveSetButNotClear) {
   EXPECT_TRUE(mgt.GetAssignedGateways().empty());
   EXPECT_STREQ(mgt.GetTraderId(), "");
   EXPECT_STREQ(mgt.GetMGTGroupId(), "");
-}
-
-TEST(MGTInfoTest, UserRecordKnowsItsSourceAndComparesByKey) {
-  MGTInfo mgt("M1", "G1", "T1");
-  mgt.AddAssignedGateway(4);
-  const MGTUserRecord record(mgt);
-  EXPECT_TRUE(record.m_fromMgtInfo);
-  EXPECT_TRUE(record.m_mgt.IsAssignedGateway(4));
-  MGTUserRecord other;
-  other.m_mgt.Set("M1", "G1", "T1");
-  EXPECT_TRUE(record == other);
-  other = record;
-  EXPECT_TRUE(other.m_fromMgtInfo);
 }
 
 }  // namespace

@@ -4,8 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "nvshared/platform/utils/nv_date.h"
-
 namespace {
 
 std::vector<unsigned> Draw(unsigned seed, unsigned bound, int count) {
@@ -33,15 +31,6 @@ TEST(DVRandomizerTest, StaysBelowTheBoundAndCoversIt) {
   for (int count : seen) EXPECT_GT(count, 50);
   // Bound 0 asks for the full range rather than dividing by zero.
   EXPECT_EQ(Draw(9, 0, 3).size(), 3u);
-}
-
-TEST(NvDateTest, GtdDateIsUnsetAndCoreDatesConvertBothWays) {
-  EXPECT_FALSE(nv_ns::GTD_Date.IsSet());
-  const dv_core_ns::Date core(21, 3, 2014);
-  const nv_ns::Date date(core);
-  EXPECT_EQ(date, nv_ns::Date(21, 3, 2014));
-  EXPECT_EQ(date.ToCore(), core);
-  EXPECT_LT(nv_ns::Date(31, 12, 2013), date);
 }
 
 }  // namespace
