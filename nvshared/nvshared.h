@@ -60,4 +60,22 @@
 #include "nvshared/platform/os/profile_file.h"
 #include "nvshared/platform/utils/registry_mgr.h"
 
+// Defaults selection: keys, matching and the default records, with the
+// utility library's date and randomizer they use.
+#include "nvshared/defaults/cd_criteria.h"
+#include "nvshared/defaults/criteria_key.h"
+#include "nvshared/defaults/default_key.h"
+#include "nvshared/defaults/defaults_entry_iterator.h"
+#include "nvshared/defaults/defaults_table.h"
+#include "nvshared/defaults/od_criteria.h"
+#include "nvshared/defaults/rr_criteria.h"
+#include "nvshared/platform/utils/dv_randomizer.h"
+#include "nvshared/platform/utils/nv_date.h"
+
+// Users and risk.
+#include "nvshared/risk/limit_info.h"
+#include "nvshared/risk/mgt_info.h"
+#include "nvshared/risk/trader_info.h"
+#include "nvshared/risk/user_info.h"
+
 #endif  // NVSHARED_NVSHARED_H_

@@ -33,6 +33,7 @@ void AddMgtCommand(CLI::App& app, Context& context);
 void AddNameCommand(CLI::App& app, Context& context);
 void AddYieldCommand(CLI::App& app, Context& context);
 void AddPriceCommand(CLI::App& app, Context& context);
+void AddMatchCommand(CLI::App& app, Context& context);
 
 }  // namespace nvtool
 

@@ -28,6 +28,7 @@ int main(int argc, char** argv) {
   nvtool::AddNameCommand(app, context);
   nvtool::AddYieldCommand(app, context);
   nvtool::AddPriceCommand(app, context);
+  nvtool::AddMatchCommand(app, context);
 
   try {
     app.parse(argc, argv);

@@ -116,3 +116,29 @@ run(2 "^$" "^nvtool: --settle: not a date in the form YYYY-MM-DD: 2024-02-30\n"
 run(2 "^$" "^nvtool: --daycount: unknown day count 'x'" yield ${par} --price 100
     --daycount x)
 run(2 "^$" "^nvtool: .*--price.*required" yield ${par})
+
+# match: the bundled defaults table and its eCBOT case, key options, and
+# errors that name the entry and field.
+set(DEFAULTS "${SOURCE_DIR}/data/sample-defaults.json")
+run(0 "--exchange.*--multi-broker" "^$" match --help)
+run(0 "^entry 1\tscore 10\teCBOT bonds\n$" "^$"
+    match "${DEFAULTS}" --exchange eCBOT-A --product ZN)
+run(0 "^entry 1\tscore 10\teCBOT bonds\n$" "^$"
+    match "${DEFAULTS}" --exchange "eCBOT-A (Electronic)" --product zn)
+run(0 "^entry 0\tscore 10\tCBOT bonds\n$" "^$"
+    match "${DEFAULTS}" --exchange 1 --product ZB)
+run(0 "^entry 2\tscore 15\tGlobex E-mini\n$" "^$"
+    match "${DEFAULTS}" --exchange CME-A --product ES --product-type FUTURE)
+# The Globex entry names no market: its gateway's market (CME) counts.
+run(0 "^entry 2\tscore 2\tGlobex E-mini\n$" "^$" match "${DEFAULTS}" --market CME)
+run(0 "^entry 5\tscore 0\tHouse default\n$" "^$" match "${DEFAULTS}" --market LME)
+run(0 "^no entry fits\n$" "^$" match "${DEFAULTS}" --template Desk)
+run(1 "^$" "^nvtool: unknown exchange \"Nowhere\"\n$"
+    match "${DEFAULTS}" --exchange Nowhere)
+run(1 "^$" "^nvtool: unknown product type \"FUTURES\"\n$"
+    match "${DEFAULTS}" --product-type FUTURES)
+file(WRITE "${WORK_DIR}/bad-defaults.json" [=[{"entries": [{}, {"market": "Nowhere"}]}]=])
+run(1 "^$" "^nvtool: .*bad-defaults.json: entry 1: field \"market\": unknown market \"Nowhere\"\n$"
+    match "${WORK_DIR}/bad-defaults.json")
+run(1 "^$" "^nvtool: .*missing.json: cannot open the file" match "${WORK_DIR}/missing.json")
+run(2 "^$" "^nvtool: table is required" match)
