@@ -10,6 +10,7 @@ NVSHARED_PACKAGES=(
   nlohmann-json3-dev libcli11-dev
   libgtest-dev libgmock-dev libbenchmark-dev
   libquantlib0-dev
+  libprotobuf-dev protobuf-compiler
 )
 # The fuzz build: clang with its libFuzzer and sanitizer runtimes.
 NVSHARED_FUZZ_PACKAGES=(clang libclang-rt-14-dev)
