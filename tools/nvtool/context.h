@@ -34,6 +34,8 @@ void AddNameCommand(CLI::App& app, Context& context);
 void AddYieldCommand(CLI::App& app, Context& context);
 void AddPriceCommand(CLI::App& app, Context& context);
 void AddMatchCommand(CLI::App& app, Context& context);
+void AddDecodeCommand(CLI::App& app, Context& context);
+void AddEncodeCommand(CLI::App& app, Context& context);
 
 }  // namespace nvtool
 

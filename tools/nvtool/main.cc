@@ -29,6 +29,8 @@ int main(int argc, char** argv) {
   nvtool::AddYieldCommand(app, context);
   nvtool::AddPriceCommand(app, context);
   nvtool::AddMatchCommand(app, context);
+  nvtool::AddDecodeCommand(app, context);
+  nvtool::AddEncodeCommand(app, context);
 
   try {
     app.parse(argc, argv);

@@ -142,3 +142,34 @@ run(1 "^$" "^nvtool: .*bad-defaults.json: entry 1: field \"market\": unknown mar
     match "${WORK_DIR}/bad-defaults.json")
 run(1 "^$" "^nvtool: .*missing.json: cannot open the file" match "${WORK_DIR}/missing.json")
 run(2 "^$" "^nvtool: table is required" match)
+
+# encode and decode: a round trip through a file, hex both ways, and the
+# library's own message for a bad buffer.
+run(0 "--as NAME.*--hex" "^$" decode --help)
+run(0 "^01 29 00 03 00 00 00 43 4b 00 00 00 54 02 05 00\n54 04 03 00 00 00 43 02 00 01 4d 43 02 00 01 47\n43 02 00 01 54 54 02 07 00\n$"
+    "^$" encode --as CK --hex m_brokerID=5 m_gatewayID=3 m_szMember=M
+    m_szGroup=G m_szTrader=T m_companyID=7)
+run(0 "^$" "^$" encode --as ConnectionKey -o "${WORK_DIR}/ck.bin"
+    m_brokerID=5 m_szMember=ABCDEFGHIJKL)
+run(0 "^object CK: protocol 1, total length 50, version 0x00000003\n  #0 m_brokerID T 5\n  #1 m_gatewayID T -1\n  #2 m_szMember C \"ABCDEFGHIJKL\"\n  #3 m_szGroup C \"\"\n  #4 m_szTrader C \"\"\n  #5 m_companyID T 0\n$"
+    "^$" decode --as CK "${WORK_DIR}/ck.bin")
+run(0 "^$" "^$"
+    encode --as ASAP -o "${WORK_DIR}/asap.bin" m_isQHAllowed=1)
+run(0 "#2 m_color T 16777215\n.*#4 m_isQHAllowed T true\n" "^$"
+    decode --as SpreadInfo "${WORK_DIR}/asap.bin")
+file(WRITE "${WORK_DIR}/svrp.hex" "01 12 00 00 00 00 08 53 56 52 50 00\n53 03 00 01 61 0a ff\n")
+run(0 "^object SVRP: .*\n  #0 m_szClientInfo S \"a\\\\n\"\n1 bytes follow the object\n$" "^$"
+    decode --as SVRP --hex "${WORK_DIR}/svrp.hex")
+run(1 "^$" "^nvtool: Object name mismatch. Serialized name is 'ASAP'; the object name is 'CK'\n$"
+    decode --as CK "${WORK_DIR}/asap.bin")
+# Items read before the fault are printed, then the message.
+file(WRITE "${WORK_DIR}/cut.hex" "01 10 00 03 00 00 00 43 4b 00 00 00 54 02 05 00 54 04")
+run(1 "^object CK: protocol 1, total length 16, version 0x00000003\n  #0 m_brokerID T 5\n$"
+    "^nvtool: Buffer Underflow when processing item #1 \\(m_gatewayID\\) in object 'CK'. Item needs 6 bytes. Current offset 16. Buffer length 16 bytes\n$"
+    decode --as CK --hex "${WORK_DIR}/cut.hex")
+run(1 "^$" "^nvtool: --hex: character 1 is no hex digit\n$" decode --as CK --hex "${WORK_DIR}/ck.bin")
+run(1 "^$" "^nvtool: --as XX: unknown record; known: CK \\(ConnectionKey\\)" decode --as XX "${WORK_DIR}/ck.bin")
+run(1 "^$" "^nvtool: 'm_bogus' is no item of CK; its items are m_brokerID," encode --as CK m_bogus=1)
+run(1 "^$" "^nvtool: m_szGroup: at most 4 characters\n$" encode --as CK m_szGroup=ABCDE)
+run(1 "^$" "^nvtool: m_isAggregator: 'yes' is not true, false, 1 or 0\n$" encode --as ASAP m_isAggregator=yes)
+run(2 "^$" "^nvtool: --as is required" decode "${WORK_DIR}/ck.bin")
