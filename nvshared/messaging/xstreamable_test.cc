@@ -14,7 +14,7 @@ using nvshared::testing::HexBytes;
 using nvshared::testing::ToHex;
 
 // A nested record: one 4-byte scalar.
-struct Inner : XStreamable {
+struct Inner final : XStreamable {
   static constexpr char kName[kNameLength] = {'I', 'N', 0, 0, 0};
   int m_v = 0;
   Inner() : XStreamable(kName, 1) {}
@@ -25,7 +25,7 @@ struct Inner : XStreamable {
 };
 
 // One item of every kind, under a five-letter name.
-struct Kinds : XStreamable {
+struct Kinds final : XStreamable {
   static constexpr char kName[kNameLength] = {'K', 'I', 'N', 'D', 'S'};
   bool m_flag = false;
   short m_short = 0;
@@ -57,7 +57,7 @@ struct Kinds : XStreamable {
 
 // A record at version 3 (int, string, short) and the same record as version
 // 2 and 4 wrote it: without the short, and with one more int.
-struct Gate : XStreamable {
+struct Gate final : XStreamable {
   static constexpr char kName[kNameLength] = {'G', 'A', 'T', 'E', 0};
   std::uint32_t m_version;
   int m_a = -1;
@@ -79,7 +79,7 @@ struct Gate : XStreamable {
 };
 
 // A vector of Gate objects.
-struct Holder : XStreamable {
+struct Holder final : XStreamable {
   static constexpr char kName[kNameLength] = {'H', 0, 0, 0, 0};
   std::vector<Gate> m_gates;
   Holder() : XStreamable(kName, 1) {}
