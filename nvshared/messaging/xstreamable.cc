@@ -215,35 +215,13 @@ std::size_t XStreamable::ReadFrom(const char* data, std::size_t length) {
   return TotalLength();
 }
 
-void XStreamable::CheckWrite(std::uint64_t bytes) {
-  if (Offset() + bytes > m_bufferLength) RaiseOverflow(bytes);
-}
-
-bool XStreamable::CheckRead(std::int64_t bytes) {
-  if (m_begin == nullptr) return false;  // nothing bound: nothing to read
-  const std::uint64_t offset = Offset();
-  const std::uint16_t total = TotalLength();
-  if (offset == total && m_streamVersion < m_ownVersion) return false;
-  if (static_cast<std::int64_t>(offset) + bytes > total) {
-    RaiseUnderflow(bytes, offset, total);
-  }
-  return true;
-}
-
-void XStreamable::ExpectTag(char tag) {
-  const auto actual = static_cast<unsigned char>(*m_cursor++);
-  const auto expected = static_cast<unsigned char>(tag);
-  if (actual != expected) {
-    m_failed = 1;
-    Raise(kTagText, m_itemNumber, m_itemName ? m_itemName : "", kNamePrecision,
-          GetObjectName(), expected, Printable(expected), actual,
-          Printable(actual), static_cast<int>(Offset()));
-  }
-}
-
-void XStreamable::ExpectWidth(int width) {
-  const auto actual = static_cast<unsigned char>(*m_cursor++);
-  if (actual != width) RaiseLengthMismatch(width, actual, Offset());
+void XStreamable::RaiseTagMismatch(char expected_tag, char actual_tag) {
+  const auto expected = static_cast<unsigned char>(expected_tag);
+  const auto actual = static_cast<unsigned char>(actual_tag);
+  m_failed = 1;
+  Raise(kTagText, m_itemNumber, m_itemName ? m_itemName : "", kNamePrecision,
+        GetObjectName(), expected, Printable(expected), actual,
+        Printable(actual), static_cast<int>(Offset()));
 }
 
 void XStreamable::RaiseShortBuffer(std::uint64_t available) {

@@ -145,10 +145,27 @@ class NVSHARED_API XStreamable {
   // and its writer was older than this code; the Buffer Underflow message
   // when fewer than `bytes` remain. ExpectTag and ExpectWidth consume one
   // byte and raise the mismatch messages.
-  void CheckWrite(std::uint64_t bytes);
-  bool CheckRead(std::int64_t bytes);
-  void ExpectTag(char tag);
-  void ExpectWidth(int width);
+  void CheckWrite(std::uint64_t bytes) {
+    if (Offset() + bytes > m_bufferLength) RaiseOverflow(bytes);
+  }
+  bool CheckRead(std::int64_t bytes) {
+    if (m_begin == nullptr) return false;  // nothing bound: nothing to read
+    const std::uint64_t offset = Offset();
+    const std::uint16_t total = TotalLength();
+    if (offset == total && m_streamVersion < m_ownVersion) return false;
+    if (static_cast<std::int64_t>(offset) + bytes > total) {
+      RaiseUnderflow(bytes, offset, total);
+    }
+    return true;
+  }
+  void ExpectTag(char tag) {
+    const char actual = *m_cursor++;
+    if (actual != tag) RaiseTagMismatch(tag, actual);
+  }
+  void ExpectWidth(int width) {
+    const auto actual = static_cast<unsigned char>(*m_cursor++);
+    if (actual != width) RaiseLengthMismatch(width, actual, Offset());
+  }
 
  private:
   enum class ScalarKind : std::uint8_t {
@@ -203,6 +220,7 @@ class NVSHARED_API XStreamable {
   [[noreturn]] void RaiseOverflow(std::uint64_t bytes);
   [[noreturn]] void RaiseUnderflow(std::int64_t bytes, std::uint64_t offset,
                                    std::uint64_t length);
+  [[noreturn]] void RaiseTagMismatch(char expected, char actual);
   [[noreturn]] void RaiseLengthMismatch(int expected, int actual,
                                         std::uint64_t offset);
 
