@@ -78,4 +78,14 @@
 #include "nvshared/risk/trader_info.h"
 #include "nvshared/risk/user_info.h"
 
+// The core stream: flat buffer, Protocol back end, streamables and their
+// factories.
+#include "nvshared/platform/stream/fast_stream_buffer.h"
+#include "nvshared/platform/stream/protocol.h"
+#include "nvshared/platform/stream/stream.h"
+#include "nvshared/platform/stream/stream_exceptions.h"
+#include "nvshared/platform/stream/streamable.h"
+#include "nvshared/platform/stream/var_int.h"
+#include "nvshared/platform/stream/via_factory.h"
+
 #endif  // NVSHARED_NVSHARED_H_
