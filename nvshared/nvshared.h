@@ -88,4 +88,14 @@
 #include "nvshared/platform/stream/var_int.h"
 #include "nvshared/platform/stream/via_factory.h"
 
+// Router messages over the core stream, and their registration with a
+// router.
+#include "nvshared/messaging/common_messages.h"
+#include "nvshared/messaging/impersonate_user_request.h"
+#include "nvshared/messaging/impersonate_user_response.h"
+#include "nvshared/messaging/message_router.h"
+#include "nvshared/messaging/message_router_request.h"
+#include "nvshared/messaging/message_router_response.h"
+#include "nvshared/messaging/server_version_response.h"
+
 #endif  // NVSHARED_NVSHARED_H_
