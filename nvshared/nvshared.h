@@ -78,6 +78,15 @@
 #include "nvshared/risk/trader_info.h"
 #include "nvshared/risk/user_info.h"
 
+// Binary formats: the tagged object stream and its records.
+#include "nvshared/messaging/connection_key.h"
+#include "nvshared/messaging/convert_gmt.h"
+#include "nvshared/messaging/server_version_request_params.h"
+#include "nvshared/messaging/spread_info.h"
+#include "nvshared/messaging/xstream_trace.h"
+#include "nvshared/messaging/xstreamable.h"
+#include "nvshared/platform/os/time_zone.h"
+
 // The core stream: flat buffer, Protocol back end, streamables and their
 // factories.
 #include "nvshared/platform/stream/fast_stream_buffer.h"

@@ -1,0 +1,438 @@
+#include "nvshared/messaging/xstreamable.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "nvshared/testing/hex_bytes.h"
+
+namespace nv_ns {
+namespace {
+
+using nvshared::testing::HexBytes;
+using nvshared::testing::ToHex;
+
+// A nested record: one 4-byte scalar.
+struct Inner : XStreamable {
+  static constexpr char kName[kNameLength] = {'I', 'N', 0, 0, 0};
+  int m_v = 0;
+  Inner() : XStreamable(kName, 1) {}
+  explicit Inner(int v) : Inner() { m_v = v; }
+  void Transfer() override { TransferScalar("m_v", m_v); }
+  std::uint64_t Measure() const override { return 6; }
+  using XStreamable::TransferScalar;
+};
+
+// One item of every kind, under a five-letter name.
+struct Kinds : XStreamable {
+  static constexpr char kName[kNameLength] = {'K', 'I', 'N', 'D', 'S'};
+  bool m_flag = false;
+  short m_short = 0;
+  double m_double = 0;
+  std::string m_text;
+  char m_code[4] = {};
+  std::vector<int> m_ints;
+  std::vector<std::string> m_words;
+  Inner m_inner;
+  std::vector<Inner> m_list;
+  std::uint16_t m_itemsDone = 0;
+
+  Kinds() : XStreamable(kName, 1) {}
+  void Transfer() override {
+    TransferScalar("m_flag", m_flag);
+    TransferScalar("m_short", m_short);
+    TransferScalar("m_double", m_double);
+    TransferString("m_text", m_text);
+    TransferCharArray("m_code", m_code, sizeof m_code);
+    CountItem();
+    TransferIntVector("m_ints", m_ints);
+    TransferStringVector("m_words", m_words);
+    TransferObject("m_inner", m_inner);
+    TransferObjectVector("m_list", m_list);
+    m_itemsDone = GetItemNumber();
+  }
+  std::uint64_t Measure() const override { return 0; }
+};
+
+// A record at version 3 (int, string, short) and the same record as version
+// 2 and 4 wrote it: without the short, and with one more int.
+struct Gate : XStreamable {
+  static constexpr char kName[kNameLength] = {'G', 'A', 'T', 'E', 0};
+  std::uint32_t m_version;
+  int m_a = -1;
+  std::string m_b = "default";
+  short m_c = 99;
+  int m_d = 0;
+  std::uint16_t m_itemsDone = 0;
+
+  explicit Gate(std::uint32_t version = 3)
+      : XStreamable(kName, version), m_version(version) {}
+  void Transfer() override {
+    TransferScalar("m_a", m_a);
+    TransferString("m_b", m_b);
+    if (m_version >= 3) TransferScalar("m_c", m_c);
+    if (m_version >= 4) TransferScalar("m_d", m_d);
+    m_itemsDone = GetItemNumber();
+  }
+  std::uint64_t Measure() const override { return 0; }
+};
+
+// A vector of Gate objects.
+struct Holder : XStreamable {
+  static constexpr char kName[kNameLength] = {'H', 0, 0, 0, 0};
+  std::vector<Gate> m_gates;
+  Holder() : XStreamable(kName, 1) {}
+  void Transfer() override { TransferObjectVector("m_gates", m_gates); }
+  std::uint64_t Measure() const override { return 0; }
+};
+
+Kinds SampleKinds() {
+  Kinds k;
+  k.m_flag = true;
+  k.m_short = -2;
+  k.m_double = 1.5;
+  k.m_text = "hi";
+  std::memcpy(k.m_code, "abcd", 4);  // fills the field: no terminator
+  k.m_ints = {1, -1};
+  k.m_words = {"x", ""};
+  k.m_inner = Inner(7);
+  k.m_list = {Inner(1), Inner(2)};
+  return k;
+}
+
+// Built by hand from the item grammar; 129 bytes.
+const std::string kKindsBytes = HexBytes(
+    "01 81 00 | 01 00 00 00 | 'K' 'I' 'N' 'D' 'S'"  // header, total 129
+    "| 54 01 01"                                    // #0 bool true
+    "| 54 02 fe ff"                                 // #1 short -2
+    "| 54 08 00 00 00 00 00 00 f8 3f"               // #2 double 1.5
+    "| 53 03 00 01 'h' 'i'"                         // #3 "hi": count 2+1
+    "| 43 05 00 01 'a' 'b' 'c' 'd'"                 // #4 char[4], full
+    "| 56 09 00 04 01 00 00 00 ff ff ff ff"         // #5 {1,-1}: 4*2+1
+    "| 56 02 00 | 53 02 00 01 'x' | 53 01 00 01"    // #6 "x", #7 "", #8 V
+    "| 49 12 00 | 01 12 00 01 00 00 00 'I' 'N' 00 00 00 54 04 07 00 00 00"
+    // #9 nested Inner(7), 18 bytes
+    "| 45 28 00 02 00"  // #10 two objects; span = 4 + 18 + 18 = 40
+    "| 01 12 00 01 00 00 00 'I' 'N' 00 00 00 54 04 01 00 00 00"
+    "| 01 12 00 01 00 00 00 'I' 'N' 00 00 00 54 04 02 00 00 00");
+
+std::string Write(XStreamable& object) {
+  std::string out;
+  object.WriteToString(out);
+  return out;
+}
+
+// Runs `read` and returns the message it raised, or "" if none.
+template <typename F>
+std::string MessageOf(F read) {
+  try {
+    read();
+  } catch (const StreamingException& e) {
+    return e.what();
+  }
+  return "";
+}
+
+TEST(XStreamableTest, EveryItemKindWritesTheGoldenBytes) {
+  Kinds k = SampleKinds();
+  EXPECT_EQ(ToHex(Write(k)), ToHex(kKindsBytes));
+  EXPECT_EQ(k.m_itemsDone, 11);
+  EXPECT_EQ(k.GetDirection(), XStreamable::kIdle);
+}
+
+TEST(XStreamableTest, EveryItemKindReadsTheGoldenBytes) {
+  Kinds k;
+  std::memcpy(k.m_code, "zzzz", 4);
+  // A longer buffer is fine: the header bounds the read.
+  const std::string buffer = kKindsBytes + "trailing";
+  EXPECT_EQ(k.ReadFrom(buffer.data(), buffer.size()), 129u);
+  EXPECT_TRUE(k.m_flag);
+  EXPECT_EQ(k.m_short, -2);
+  EXPECT_EQ(k.m_double, 1.5);
+  EXPECT_EQ(k.m_text, "hi");
+  EXPECT_EQ(std::string(k.m_code, 4), "abcd");
+  EXPECT_EQ(k.m_ints, (std::vector<int>{1, -1}));
+  EXPECT_EQ(k.m_words, (std::vector<std::string>{"x", ""}));
+  EXPECT_EQ(k.m_inner.m_v, 7);
+  ASSERT_EQ(k.m_list.size(), 2u);
+  EXPECT_EQ(k.m_list[1].m_v, 2);
+  EXPECT_FALSE(k.m_list[1].HasFailed());
+  EXPECT_EQ(k.m_itemsDone, 11);
+  EXPECT_EQ(k.GetStreamVersion(), 1u);
+}
+
+TEST(XStreamableTest, VersionGate) {
+  Gate v2(2);
+  v2.m_a = 5;
+  v2.m_b = "ab";
+  const std::string old_bytes = Write(v2);
+  // 12 + 6 + 6: the v2 object ends on an item boundary.
+  ASSERT_EQ(old_bytes.size(), 24u);
+
+  {  // An older writer: the item it lacks keeps its value, uncounted.
+    Gate g;
+    EXPECT_EQ(g.ReadFrom(old_bytes.data(), old_bytes.size()), 24u);
+    EXPECT_EQ(g.m_a, 5);
+    EXPECT_EQ(g.m_b, "ab");
+    EXPECT_EQ(g.m_c, 99);
+    EXPECT_EQ(g.m_itemsDone, 2);
+    EXPECT_FALSE(g.HasFailed());
+  }
+  {  // The same buffer cut inside its string.
+    std::string cut = old_bytes.substr(0, 22);
+    cut[1] = 22;
+    Gate g;
+    EXPECT_EQ(MessageOf([&] { g.ReadFrom(cut.data(), cut.size()); }),
+              "Buffer Underflow when processing item #1 (m_b) in object "
+              "'GATE'. Item needs 2 bytes. Current offset 22. Buffer length "
+              "22 bytes");
+    EXPECT_TRUE(g.HasFailed());
+  }
+  {  // The reader's own version, lacking its last item.
+    std::string same = old_bytes;
+    same[3] = 3;
+    Gate g;
+    EXPECT_EQ(MessageOf([&] { g.ReadFrom(same.data(), same.size()); }),
+              "Buffer Underflow when processing item #2 (m_c) in object "
+              "'GATE'. Item needs 4 bytes. Current offset 24. Buffer length "
+              "24 bytes");
+  }
+  {  // A newer writer: its extra item is left unread; the total skips it.
+    Gate v4(4);
+    v4.m_c = 1;
+    v4.m_d = 77;
+    const std::string newer = Write(v4);
+    Gate g;
+    EXPECT_EQ(g.ReadFrom(newer.data(), newer.size()), 39u);
+    EXPECT_EQ(g.m_c, 1);
+    EXPECT_EQ(g.m_itemsDone, 3);
+    EXPECT_EQ(g.GetStreamVersion(), 4u);
+  }
+  {  // An object with no items at all: an error at the reader's version,
+     // nothing but defaults at an older one.
+    std::string empty = HexBytes("01 0c 00 03 00 00 00 'G' 'A' 'T' 'E' 00");
+    Gate g;
+    EXPECT_EQ(MessageOf([&] { g.ReadFrom(empty.data(), empty.size()); }),
+              "Buffer Underflow when processing item #0 (m_a) in object "
+              "'GATE'. Item needs 6 bytes. Current offset 12. Buffer length "
+              "12 bytes");
+    empty[3] = 1;
+    Gate old_reader;
+    EXPECT_EQ(old_reader.ReadFrom(empty.data(), empty.size()), 12u);
+    EXPECT_EQ(old_reader.m_a, -1);
+    EXPECT_EQ(old_reader.m_b, "default");
+  }
+}
+
+TEST(XStreamableTest, NewerElementsInAVectorAreSkippedByTheirLength) {
+  // A vector of Gate objects, the first written at version 4 (one item
+  // more), read by version 3 code.
+  Holder writer;
+  writer.m_gates = {Gate(4), Gate(3)};
+  writer.m_gates[0].m_d = 1;
+  writer.m_gates[1].m_a = 42;
+  const std::string bytes = Write(writer);
+  Holder reader;
+  reader.ReadFrom(bytes.data(), bytes.size());
+  ASSERT_EQ(reader.m_gates.size(), 2u);
+  EXPECT_EQ(reader.m_gates[1].m_a, 42);
+}
+
+TEST(XStreamableTest, HeaderFailures) {
+  const std::string good = kKindsBytes;
+  struct Case {
+    const char* what;
+    std::string bytes;
+    std::string message;
+  };
+  std::string protocol = good;
+  protocol[0] = 2;
+  std::string name = good;
+  name[7] = 'k';
+  std::string four_letter = good;
+  four_letter.replace(7, 5, std::string("ASAP\0", 5));
+  const Case cases[] = {
+      {"11 bytes, looked at before the protocol", std::string(11, '\x02'),
+       "The Buffer length (11 bytes) is less than the header length (12 "
+       "bytes). The object name is 'KINDS'"},
+      {"protocol 2", protocol,
+       "Protocol version mismatch. Expected protocol version: '1'. Protocol "
+       "version found: '2'"},
+      // A five-letter name is printed from the buffer up to the first NUL,
+      // which here is in the first item's value.
+      {"five-letter name", name,
+       "Object name mismatch. Serialized name is 'kINDST\x01\x01T\x02\xfe\xff"
+       "T\x08'; the object name is 'KINDS'"},
+      {"four-letter name", four_letter,
+       "Object name mismatch. Serialized name is 'ASAP'; the object name is "
+       "'KINDS'"},
+      {"shorter than the header says", good.substr(0, 128),
+       "The buffer length (128 bytes) is shorter than the length specified "
+       "in the Object 'KINDS' header (129 bytes)."},
+  };
+  for (const Case& c : cases) {
+    Kinds k;
+    EXPECT_EQ(MessageOf([&] { k.ReadFrom(c.bytes.data(), c.bytes.size()); }),
+              c.message)
+        << c.what;
+    EXPECT_TRUE(k.HasFailed()) << c.what;
+  }
+}
+
+TEST(XStreamableTest, NameBytesAfterTheFirstNulAreIgnored) {
+  Inner in(3);
+  std::string bytes = Write(in);
+  bytes[10] = 'm';
+  bytes[11] = 'x';
+  Inner out;
+  EXPECT_EQ(out.ReadFrom(bytes.data(), bytes.size()), 18u);
+  EXPECT_EQ(out.m_v, 3);
+}
+
+TEST(XStreamableTest, ItemFailures) {
+  struct Case {
+    const char* what;
+    std::size_t at;    // where to patch kKindsBytes
+    std::string with;  // the bytes put there
+    std::string message;
+  };
+  const Case cases[] = {
+      {"string where a scalar is", 12, "S",
+       "Tag mismatch when processing item #0 (m_flag) in object 'KINDS'. "
+       "Expected tag 54 (T). Actual tag 53 (S). Current offset 13."},
+      {"unprintable tag", 15, "\x80",
+       "Tag mismatch when processing item #1 (m_short) in object 'KINDS'. "
+       "Expected tag 54 (T). Actual tag 80 (.). Current offset 16."},
+      {"scalar of another width", 16, "\x04",
+       "Item length mismatch when processing item #1 (m_short) in object "
+       "'KINDS'. Expected length 2. Actual length 4. Current offset 17."},
+      {"string of width 2", 32, "\x02",
+       "Item length mismatch when processing item #3 (m_text) in object "
+       "'KINDS'. Expected length 1. Actual length 2. Current offset 33."},
+      {"char array one longer than the field", 36, "\x06",
+       "Item length mismatch when processing item #4 (m_code) in object "
+       "'KINDS'. Expected length 4. Actual length 5. Current offset 39."},
+      {"int vector of width 2", 46, "\x02",
+       "Item length mismatch when processing item #5 (m_ints) in object "
+       "'KINDS'. Expected length 4. Actual length 2. Current offset 47."},
+      {"string past the object", 30, "\x7f",
+       "Buffer Underflow when processing item #3 (m_text) in object 'KINDS'. "
+       "Item needs 126 bytes. Current offset 33. Buffer length 129 bytes"},
+      {"nested length past the buffer", 68, "\x40",
+       "Buffer Underflow when processing item #9 (m_inner) in object "
+       "'KINDS'. Item needs 64 bytes. Current offset 67. Buffer length 129 "
+       "bytes"},
+  };
+  for (const Case& c : cases) {
+    std::string bytes = kKindsBytes;
+    bytes.replace(c.at, c.with.size(), c.with);
+    Kinds k;
+    EXPECT_EQ(MessageOf([&] { k.ReadFrom(bytes.data(), bytes.size()); }),
+              c.message)
+        << c.what;
+  }
+}
+
+TEST(XStreamableTest, InnerFailuresCarryTheInnerName) {
+  std::string bytes = kKindsBytes;
+  bytes[100] = 'X';  // the first listed object's name
+  Kinds k;
+  EXPECT_EQ(MessageOf([&] { k.ReadFrom(bytes.data(), bytes.size()); }),
+            "Object name mismatch. Serialized name is 'XN'; the object name "
+            "is 'IN'");
+  EXPECT_FALSE(k.HasFailed());  // only the object at fault is marked
+}
+
+TEST(XStreamableTest, ACountOfZeroIsAStringTooLong) {
+  std::string bytes = kKindsBytes;
+  bytes[30] = 0;  // m_text's count
+  Kinds k;
+  try {
+    k.ReadFrom(bytes.data(), bytes.size());
+    FAIL() << "no exception";
+  } catch (const std::length_error& e) {
+    EXPECT_STREQ(e.what(), "string too long");
+  }
+}
+
+TEST(XStreamableTest, WriteFailures) {
+  Kinds k = SampleKinds();
+  char buffer[200];
+  struct Case {
+    std::size_t length;
+    std::string message;
+  };
+  const Case cases[] = {
+      {11,
+       "The Buffer length (11 bytes) is less than the header length (12 "
+       "bytes). The object name is 'KINDS'"},
+      {18,
+       "Buffer Overflow when processing item #1 (m_short) in object "
+       "'KINDS'. Item needs 4 bytes. Current offset 15. Buffer length 18 "
+       "bytes"},
+      // The string vector asks for 34 bytes whatever it holds.
+      {80,
+       "Buffer Overflow when processing item #6 (m_words) in object "
+       "'KINDS'. Item needs 34 bytes. Current offset 55. Buffer length 80 "
+       "bytes"},
+      // The second listed object with a header's room but not an item's.
+      {125,
+       "Buffer Overflow when processing item #0 (m_v) in object 'IN'. Item "
+       "needs 6 bytes. Current offset 12. Buffer length 14 bytes"},
+      // A listed object with less than a header left.
+      {119,
+       "The Buffer length (8 bytes) is less than the header length (12 "
+       "bytes). The object name is 'IN'"},
+  };
+  for (const Case& c : cases) {
+    Kinds fresh = k;
+    EXPECT_EQ(MessageOf([&] { fresh.WriteTo(buffer, c.length); }), c.message)
+        << c.length;
+  }
+}
+
+TEST(XStreamableTest, WriteToStringStopsAt32768Bytes) {
+  Kinds k;
+  k.m_text.assign(40000, 'x');
+  std::string out = "untouched";
+  EXPECT_EQ(MessageOf([&] { k.WriteToString(out); }),
+            "Buffer Overflow when processing item #3 (m_text) in object "
+            "'KINDS'. Item needs 40004 bytes. Current offset 29. Buffer "
+            "length 32768 bytes");
+  EXPECT_EQ(out, "untouched");
+}
+
+TEST(XStreamableTest, AFailedObjectSkipsEverythingAndItsCopyIsFresh) {
+  Kinds k;
+  std::string bytes = kKindsBytes;
+  bytes[12] = 'S';
+  EXPECT_NE(MessageOf([&] { k.ReadFrom(bytes.data(), bytes.size()); }), "");
+  ASSERT_TRUE(k.HasFailed());
+  EXPECT_EQ(k.GetDirection(), XStreamable::kIdle);
+
+  // Failed for good: a new read changes nothing and raises nothing.
+  EXPECT_EQ(k.ReadFrom(kKindsBytes.data(), kKindsBytes.size()), 129u);
+  EXPECT_EQ(k.m_text, "");
+  EXPECT_EQ(k.GetItemName(), nullptr);
+
+  Kinds copy = k;
+  EXPECT_FALSE(copy.HasFailed());
+  EXPECT_EQ(copy.ReadFrom(kKindsBytes.data(), kKindsBytes.size()), 129u);
+  EXPECT_EQ(copy.m_text, "hi");
+}
+
+TEST(XStreamableTest, AttachWithAnUnknownDirectionBindsNothing) {
+  Kinds k = SampleKinds();
+  char buffer[200];
+  EXPECT_EQ(k.Attach(buffer, sizeof buffer, 3), 0u);
+  EXPECT_EQ(k.GetDirection(), 3);
+  k.Transfer();  // reads nothing, writes nothing
+  EXPECT_EQ(k.m_text, "hi");
+  // Only the char array counts: its caller counts it whatever happened.
+  EXPECT_EQ(k.m_itemsDone, 1);
+  k.Detach();
+}
+
+}  // namespace
+}  // namespace nv_ns
