@@ -105,6 +105,7 @@
 #include "nvshared/messaging/message_router.h"
 #include "nvshared/messaging/message_router_request.h"
 #include "nvshared/messaging/message_router_response.h"
+#include "nvshared/messaging/server_version_request.h"
 #include "nvshared/messaging/server_version_response.h"
 
 #endif  // NVSHARED_NVSHARED_H_
