@@ -1,6 +1,4 @@
-#include <cstdint>
 #include <functional>
-#include <initializer_list>
 #include <memory>
 #include <string>
 #include <thread>
@@ -11,10 +9,9 @@
 #include "nvshared/messaging/impersonate_user_request.h"
 #include "nvshared/messaging/impersonate_user_response.h"
 #include "nvshared/messaging/internal/class_id_once.h"
-#include "nvshared/messaging/message_router_request.h"
-#include "nvshared/messaging/message_router_response.h"
 #include "nvshared/messaging/server_version_response.h"
 #include "nvshared/platform/stream/stream_exceptions.h"
+#include "nvshared/testing/hex_bytes.h"
 
 namespace nv_ns {
 namespace {
@@ -22,12 +19,7 @@ namespace {
 using dv_stream_ns::FastStreamBuffer;
 using dv_stream_ns::Stream;
 using dv_stream_ns::Streamable;
-
-std::string Bytes(std::initializer_list<int> bytes) {
-  std::string out;
-  for (int b : bytes) out.push_back(static_cast<char>(b));
-  return out;
-}
+using nvshared::testing::HexBytes;
 
 std::string WriteOut(Streamable& message) {
   FastStreamBuffer buffer;
@@ -36,7 +28,7 @@ std::string WriteOut(Streamable& message) {
   return std::string(buffer.data(), buffer.write_position());
 }
 
-// Reads `bytes` into `message`; fails the test unless all were used.
+// Reads all of `bytes` into `message`.
 void ReadIn(Streamable& message, const std::string& bytes) {
   FastStreamBuffer view(bytes.data(), bytes.size());
   Stream stream(&view);
@@ -44,27 +36,35 @@ void ReadIn(Streamable& message, const std::string& bytes) {
   EXPECT_EQ(view.readable(), 0u);
 }
 
-// m_iRequestID 0x01020304, m_bIsSubscription true, sent 5, received -1.
-const std::string kRequestBase =
-    Bytes({0x04, 0x03, 0x02, 0x01, 0x01,                 //
-           0x05, 0,    0,    0,    0,    0,    0,    0,  //
-           0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF});
+// Request id 0x01020304, a subscription, sent 5, received -1; the
+// connection id 9 is not written.
+constexpr char kRequestBase[] =
+    "04 03 02 01 | 01 | 05 00 00 00 00 00 00 00 | ff ff ff ff ff ff ff ff |";
 void FillRequestBase(MessageRouterRequest& m) {
-  m.m_iConnectionID = 9;  // not on the stream
+  m.m_iConnectionID = 9;
   m.m_iRequestID = 0x01020304;
   m.m_bIsSubscription = true;
   m.m_tSentTickCount = 5;
   m.m_tReceivedTickCount = -1;
 }
 
-// m_iConnectionID 3, m_iRequestID -1, sent 0x0102, received 0.
-const std::string kResponseBase =
-    Bytes({0x03, 0,    0, 0, 0xFF, 0xFF, 0xFF, 0xFF,  //
-           0x02, 0x01, 0, 0, 0,    0,    0,    0,     //
-           0,    0,    0, 0, 0,    0,    0,    0});
+// Connection id 3, request id -1, sent 0x0102, received 0.
+constexpr char kResponseBase[] =
+    "03 00 00 00 | ff ff ff ff | 02 01 00 00 00 00 00 00 |"
+    "00 00 00 00 00 00 00 00 |";
 void FillResponseBase(MessageRouterResponse& m) {
   m.m_iConnectionID = 3;
   m.m_tSentTickCount = 0x0102;
+}
+
+template <class T>
+std::function<std::unique_ptr<Streamable>(bool)> Maker(
+    std::function<void(T&)> fill) {
+  return [fill](bool filled) {
+    auto m = std::make_unique<T>();
+    if (filled) fill(*m);
+    return m;
+  };
 }
 
 struct MessageCase {
@@ -75,103 +75,68 @@ struct MessageCase {
 
 std::vector<MessageCase> MessageCases() {
   return {
-      {"MessageRouterRequest",
-       [](bool filled) {
-         auto m = std::make_unique<MessageRouterRequest>();
-         if (filled) FillRequestBase(*m);
-         return m;
-       },
-       kRequestBase},
-      {"MessageRouterResponse",
-       [](bool filled) {
-         auto m = std::make_unique<MessageRouterResponse>();
-         if (filled) FillResponseBase(*m);
-         return m;
-       },
-       kResponseBase},
+      {"MessageRouterRequest", Maker<MessageRouterRequest>(FillRequestBase),
+       HexBytes(kRequestBase)},
+      {"MessageRouterResponse", Maker<MessageRouterResponse>(FillResponseBase),
+       HexBytes(kResponseBase)},
       {"ImpersonateUserRequest",
-       [](bool filled) {
-         auto m = std::make_unique<ImpersonateUserRequest>();
-         if (filled) {
-           FillRequestBase(*m);
-           m->m_iExchangeId = 7;
-           m->m_szMember = "M1";
-           m->m_szGroup = "G";
-         }
-         return m;
-       },
+       Maker<ImpersonateUserRequest>([](ImpersonateUserRequest& m) {
+         FillRequestBase(m);
+         m.m_iExchangeId = 7;
+         m.m_szMember = "M1";
+         m.m_szGroup = "G";
+       }),
        // exchange 7 | "M1" | "G" | "" (trader)
-       kRequestBase + Bytes({0x07, 0, 0, 0, 0x02, 'M', '1', 0x01, 'G', 0x00})},
+       HexBytes(std::string(kRequestBase) +
+                "07 00 00 00 | 02 'M' '1' | 01 'G' | 00")},
       {"ServerVersionResponse",
-       [](bool filled) {
-         auto m = std::make_unique<ServerVersionResponse>();
-         if (filled) {
-           FillResponseBase(*m);
-           m->m_iExchangeID = 30;
-           m->m_serverId = "S";
-           m->m_serverVersion = "1.0";
-           m->m_engineType = static_cast<ServerVersionResponse::EngineType>(2);
-         }
-         return m;
-       },
-       // exchange 30 | "S" | "1.0" | "" (engine version) | temp 2
-       kResponseBase + Bytes({0x1E, 0, 0, 0, 0x01, 'S', 0x03, '1', '.', '0',
-                              0x00, 0x02, 0, 0, 0})},
-      {"ImpersonateUserResponse",
-       [](bool filled) {
-         auto m = std::make_unique<ImpersonateUserResponse>();
-         if (filled) FillResponseBase(*m);
-         return m;
-       },
-       kResponseBase},
+       Maker<ServerVersionResponse>([](ServerVersionResponse& m) {
+         FillResponseBase(m);
+         m.m_iExchangeID = 30;
+         m.m_serverId = "S";
+         m.m_serverVersion = "1.0";
+         m.m_engineType = static_cast<ServerVersionResponse::EngineType>(-2);
+       }),
+       // exchange 30 | "S" | "1.0" | "" (engine version) | temp -2
+       HexBytes(std::string(kResponseBase) +
+                "1e 00 00 00 | 01 'S' | 03 '1' '.' '0' | 00 | fe ff ff ff")},
+      {"ImpersonateUserResponse, 24 bytes of defaults",
+       Maker<ImpersonateUserResponse>([](ImpersonateUserResponse&) {}),
+       HexBytes("ff ff ff ff ff ff ff ff" + std::string(32, '0'))},
   };
 }
 
 TEST(RouterMessages, WriteTheirMembersInOrderAndReadThemBack) {
   for (const MessageCase& c : MessageCases()) {
     SCOPED_TRACE(c.name);
-    auto written = c.make(true);
-    EXPECT_EQ(WriteOut(*written), c.bytes);
+    EXPECT_EQ(WriteOut(*c.make(true)), c.bytes);
     auto read = c.make(false);
     ReadIn(*read, c.bytes);
     EXPECT_EQ(WriteOut(*read), c.bytes);
-  }
-}
-
-TEST(RouterMessages, EveryCutShortBufferUnderflows) {
-  for (const MessageCase& c : MessageCases()) {
+    // Every buffer cut short underflows.
     for (std::size_t size = 0; size < c.bytes.size(); ++size) {
-      SCOPED_TRACE(std::string(c.name) + " cut to " + std::to_string(size));
       const std::string cut = c.bytes.substr(0, size);
       FastStreamBuffer view(cut.data(), cut.size());
       Stream stream(&view);
-      auto m = c.make(false);
-      EXPECT_THROW(m->Transfer(stream, Streamable::eRead),
-                   dv_stream_ns::StreamUnderflow);
+      EXPECT_THROW(c.make(false)->Transfer(stream, Streamable::eRead),
+                   dv_stream_ns::StreamUnderflow)
+          << size;
     }
   }
 }
 
-TEST(RouterMessages, DefaultsAndTheFieldsThatTravel) {
-  ImpersonateUserResponse response;
-  EXPECT_EQ(WriteOut(response),
-            Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF,  //
-                   0,    0,    0,    0,    0,    0,    0,    0,
-                   0,    0,    0,    0,    0,    0,    0,    0}));
-
-  // The request's connection id stays on the sending side.
+TEST(RouterMessages, RequestConnectionIdStaysOnTheSendingSide) {
   MessageRouterRequest request;
-  ReadIn(request, kRequestBase);
+  ReadIn(request, HexBytes(kRequestBase));
   EXPECT_EQ(request.m_iConnectionID, -1);
   EXPECT_EQ(request.m_iRequestID, 0x01020304);
-  EXPECT_TRUE(request.m_bIsSubscription);
 
-  ServerVersionResponse version;
-  EXPECT_EQ(version.m_engineType, -1);
-  ReadIn(version,
-         kResponseBase + Bytes({0, 0, 0, 0, 0, 0, 0, 0xFE, 0xFF, 0xFF, 0xFF}));
-  EXPECT_EQ(version.m_engineType, -2);
-  EXPECT_EQ(version.m_iConnectionID, 3);
+  ServerVersionResponse response;
+  EXPECT_EQ(response.m_engineType, -1);
+  ReadIn(response, HexBytes(std::string(kResponseBase) +
+                            "00 00 00 00 | 00 | 00 | 00 | 05 00 00 00"));
+  EXPECT_EQ(response.m_iConnectionID, 3);
+  EXPECT_EQ(response.m_engineType, 5);
 }
 
 TEST(RouterMessages, IdsCarryTheClassIdAndAnEmptyName) {
@@ -190,16 +155,16 @@ TEST(RouterMessages, IdConcurrencyBuildsOnceAndAgreesEverywhere) {
     threads.emplace_back([&, t] {
       // Each thread asks with its own id: all must get the one value that
       // whichever came first built.
-      seen[t] = once.Get(t == 0 ? 0xFF06 : 0xFF06 + t);
+      seen[t] = once.Get(static_cast<unsigned short>(0xFF06 + t));
       messages[t] = ImpersonateUserResponse().Id();
     });
   }
   for (auto& thread : threads) thread.join();
   for (std::size_t t = 0; t < seen.size(); ++t) {
     EXPECT_EQ(seen[t], seen[0]);
-    EXPECT_LT(seen[t].classId - 0xFF06, 8);
     EXPECT_EQ(messages[t].classId, 0xFF41);
   }
+  EXPECT_LT(seen[0].classId - 0xFF06, 8);
 }
 
 }  // namespace

@@ -1,12 +1,12 @@
 #include "nvshared/messaging/server_version_request.h"
 
-#include <initializer_list>
 #include <string>
 
 #include <gtest/gtest.h>
 
 #include "nvshared/messaging/xstreamable.h"
 #include "nvshared/platform/stream/stream.h"
+#include "nvshared/testing/hex_bytes.h"
 
 namespace nv_ns {
 namespace {
@@ -14,27 +14,20 @@ namespace {
 using dv_stream_ns::FastStreamBuffer;
 using dv_stream_ns::Stream;
 using dv_stream_ns::Streamable;
-
-std::string Bytes(std::initializer_list<int> bytes) {
-  std::string out;
-  for (int b : bytes) out.push_back(static_cast<char>(b));
-  return out;
-}
+using nvshared::testing::HexBytes;
 
 // The request base with all defaults: request id -1, not a subscription,
-// both tick counts 0.
-const std::string kDefaultBase =
-    Bytes({0xFF, 0xFF, 0xFF, 0xFF, 0x00}) + std::string(16, '\0');
+// both tick counts 0; then the login name "u".
+const std::string kHead =
+    HexBytes("ff ff ff ff | 00 |" + std::string(32, '0') + "| 01 'u'");
 
-// A "SVRP" object holding `info`, built by hand: protocol 1, total length
-// 12 + 4 + n, version 0x08000000, name "SVRP" NUL; then the one string item
-// 'S', count n + 1, width 1, the characters.
-std::string Svrp(const std::string& info) {
-  const int total = 12 + 4 + static_cast<int>(info.size());
-  const int count = static_cast<int>(info.size()) + 1;
-  return Bytes({0x01, total, 0x00, 0x00, 0x00, 0x00, 0x08}) +
-         std::string("SVRP\0", 5) + Bytes({'S', count, 0x00, 0x01}) + info;
-}
+// "SVRP" objects by hand: protocol 1, total length (2 bytes), version
+// 0x08000000, name "SVRP" NUL; one string item 'S', count = length + 1,
+// width 1, the characters. 12 + 4 + 2 = 18 bytes with "ci", 16 empty.
+const std::string kSvrpCi = HexBytes(
+    "01 12 00 | 00 00 00 08 | 'S' 'V' 'R' 'P' 00 | 'S' 03 00 01 'c' 'i'");
+const std::string kSvrpEmpty =
+    HexBytes("01 10 00 | 00 00 00 08 | 'S' 'V' 'R' 'P' 00 | 'S' 01 00 01");
 
 std::string WriteOut(ServerVersionRequest& request, int direction) {
   FastStreamBuffer buffer;
@@ -43,11 +36,9 @@ std::string WriteOut(ServerVersionRequest& request, int direction) {
   return std::string(buffer.data(), buffer.write_position());
 }
 
-// Reads a default-based request whose login is "u" and whose "appID" holds
-// `appId`.
 ServerVersionRequest ReadWithAppId(const std::string& appId) {
-  const std::string bytes = kDefaultBase + Bytes({0x01, 'u'}) +
-                            Bytes({static_cast<int>(appId.size())}) + appId;
+  const std::string bytes =
+      kHead + std::string(1, static_cast<char>(appId.size())) + appId;
   FastStreamBuffer view(bytes.data(), bytes.size());
   Stream stream(&view);
   ServerVersionRequest request;
@@ -56,28 +47,22 @@ ServerVersionRequest ReadWithAppId(const std::string& appId) {
   return request;
 }
 
-TEST(ServerVersionRequest, PacksTheApplicationIdAndParametersIntoAppId) {
+TEST(ServerVersionRequest, PacksIdNulAndParametersIntoAppId) {
   ServerVersionRequest request;
   request.m_szUniversalLoginName = "u";
   request.m_szApplicationId = "abc";
   request.m_params.m_szClientInfo = "ci";
-  // appID = "abc" NUL + 18-byte SVRP object: 22 bytes.
-  const std::string appId = std::string("abc\0", 4) + Svrp("ci");
-  ASSERT_EQ(appId.size(), 22u);
-  EXPECT_EQ(WriteOut(request, 1),
-            kDefaultBase + Bytes({0x01, 'u', 0x16}) + appId);
-
+  // appID: "abc" NUL + 18 bytes = 22 (0x16).
+  const std::string appId = std::string("abc\0", 4) + kSvrpCi;
+  EXPECT_EQ(WriteOut(request, 1), kHead + HexBytes("16") + appId);
   const ServerVersionRequest read = ReadWithAppId(appId);
-  EXPECT_EQ(read.m_szUniversalLoginName, "u");
-  EXPECT_EQ(read.m_szApplicationId, "abc");
+  EXPECT_EQ(read.m_szUniversalLoginName + read.m_szApplicationId, "uabc");
   EXPECT_EQ(read.m_params.m_szClientInfo, "ci");
-}
 
-TEST(ServerVersionRequest, EmptyIdIsNulThenTheObject) {
-  ServerVersionRequest request;
-  // "" NUL + 16-byte SVRP object with an empty string: 17 bytes.
-  EXPECT_EQ(WriteOut(request, 1),
-            kDefaultBase + Bytes({0x00, 0x11, 0x00}) + Svrp(""));
+  // An empty id is NUL and the object: 17 bytes.
+  ServerVersionRequest empty;
+  empty.m_szUniversalLoginName = "u";
+  EXPECT_EQ(WriteOut(empty, 1), kHead + HexBytes("11 00") + kSvrpEmpty);
 }
 
 TEST(ServerVersionRequest, PeersPlainIdReadsWithDefaultParameters) {
@@ -99,9 +84,10 @@ TEST(ServerVersionRequest, NulWithNoObjectRaisesTheShortBufferMessage) {
 
 TEST(ServerVersionRequest, OtherDirectionsWriteAnEmptyIdAndClearIt) {
   ServerVersionRequest request;
+  request.m_szUniversalLoginName = "u";
   request.m_szApplicationId = "abc";
   request.m_params.m_szClientInfo = "ci";
-  EXPECT_EQ(WriteOut(request, 2), kDefaultBase + Bytes({0x00, 0x00}));
+  EXPECT_EQ(WriteOut(request, 2), kHead + HexBytes("00"));
   EXPECT_EQ(request.m_szApplicationId, "");
   EXPECT_EQ(request.m_params.m_szClientInfo, "ci");
 }
