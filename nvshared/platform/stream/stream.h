@@ -21,9 +21,9 @@
 //
 // Failures are StreamUnderflow and StreamOverflow with the texts of
 // stream_exceptions.h. A read that fails consumes nothing of the member it
-// failed on, and the member keeps its value; nothing is written by a write
-// that fails. Reads never size an allocation from a length that the buffer
-// does not hold.
+// failed on, and the member keeps its value; a write that fails writes
+// nothing of its member. Reads never size an allocation from a length
+// that the buffer does not hold.
 //
 // Ownership: the stream borrows its buffer and its Protocol; both must
 // outlive it. Threads: a stream belongs to one thread at a time.
