@@ -87,4 +87,25 @@
 #include "nvshared/messaging/xstreamable.h"
 #include "nvshared/platform/os/time_zone.h"
 
+// The core stream: flat buffer, Protocol back end, streamables and their
+// factories.
+#include "nvshared/platform/stream/fast_stream_buffer.h"
+#include "nvshared/platform/stream/protocol.h"
+#include "nvshared/platform/stream/stream.h"
+#include "nvshared/platform/stream/stream_exceptions.h"
+#include "nvshared/platform/stream/streamable.h"
+#include "nvshared/platform/stream/var_int.h"
+#include "nvshared/platform/stream/via_factory.h"
+
+// Router messages over the core stream, and their registration with a
+// router.
+#include "nvshared/messaging/common_messages.h"
+#include "nvshared/messaging/impersonate_user_request.h"
+#include "nvshared/messaging/impersonate_user_response.h"
+#include "nvshared/messaging/message_router.h"
+#include "nvshared/messaging/message_router_request.h"
+#include "nvshared/messaging/message_router_response.h"
+#include "nvshared/messaging/server_version_request.h"
+#include "nvshared/messaging/server_version_response.h"
+
 #endif  // NVSHARED_NVSHARED_H_

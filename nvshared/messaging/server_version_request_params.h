@@ -1,7 +1,7 @@
 // nv_ns::ServerVersionRequestParams, what a client adds to its version
 // request beyond the application id: a free text about the client. A tagged
 // object ("SVRP", version 0x08000000) that travels packed into the request's
-// application id (see router_messages.h).
+// application id (see server_version_request.h).
 //
 // Values; one thread at a time per instance.
 #ifndef NVSHARED_MESSAGING_SERVER_VERSION_REQUEST_PARAMS_H_

@@ -339,9 +339,12 @@ void XStreamable::TransferString(const char* name, std::string& value) {
     // read is refused as a short buffer instead of reading past it.
     if (!CheckRead(n) && n > 0) RaiseUnderflow(n, Offset(), TotalLength());
     if (n < 0) {
-      // A count of 0: the string assignment refuses a length of -1.
+      // A count of 0 asks for -1 characters, which the string assignment
+      // has always refused with this text. It is raised as the format's own
+      // exception, so that a caller catching StreamingException sees every
+      // malformed buffer.
       m_failed = 1;
-      throw std::length_error("string too long");
+      throw StreamingException("string too long");
     }
     value.assign(m_cursor, static_cast<std::size_t>(n));
     m_cursor += n;

@@ -351,8 +351,9 @@ TEST(XStreamableTest, ACountOfZeroIsAStringTooLong) {
   try {
     k.ReadFrom(bytes.data(), bytes.size());
     FAIL() << "no exception";
-  } catch (const std::length_error& e) {
+  } catch (const StreamingException& e) {
     EXPECT_STREQ(e.what(), "string too long");
+    EXPECT_TRUE(k.HasFailed());
   }
 }
 
