@@ -168,6 +168,7 @@ CLI::App* AddBondCommand(CLI::App& app, const std::string& name,
   sub->add_option("--maturity", o.maturity, "Maturity date, YYYY-MM-DD")
       ->required();
   sub->add_option("--coupon", o.coupon, "Annual coupon in percent, e.g. 4.25")
+      ->check(FiniteNumber())
       ->required();
   sub->add_option("--freq", o.frequency, "Coupons a year: 1, 2, 4 or 12")
       ->check(CLI::IsMember({1, 2, 4, 12}))
@@ -188,6 +189,7 @@ CLI::App* AddBondCommand(CLI::App& app, const std::string& name,
   sub->add_option("--factor", o.factor,
                   "Conversion factor: prices are futures prices, the bond's "
                   "price divided by it")
+      ->check(FiniteNumber())
       ->capture_default_str();
   sub->add_flag("--explain", o.explain,
                 "Also print the bond's shape and its reduced terms N, C, AI, "
@@ -205,6 +207,7 @@ void AddYieldCommand(CLI::App& app, Context& context) {
       "with 10 decimals.",
       *o);
   sub->add_option("--price", o->value, "Clean price per 100 (at least 1.0)")
+      ->check(FiniteNumber())
       ->required();
   sub->callback([&context, o] {
     CUDPYTMCalc calc;
@@ -229,6 +232,7 @@ void AddPriceCommand(CLI::App& app, Context& context) {
       "with 10 decimals.",
       *o);
   sub->add_option("--yield", o->value, "Yield to maturity in percent")
+      ->check(FiniteNumber())
       ->required();
   sub->callback([&context, o] {
     CUDPYTMCalc calc;

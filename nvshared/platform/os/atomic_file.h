@@ -15,10 +15,10 @@
 namespace nvshared::os {
 
 // True if something exists at `path` (a file, a directory, anything).
-NVSHARED_API bool PathExists(const std::string& path);
+bool PathExists(const std::string& path);
 
 // The whole contents of the file at `path`, or an error naming the path.
-NVSHARED_API StatusOr<std::string> ReadWholeFile(const std::string& path);
+StatusOr<std::string> ReadWholeFile(const std::string& path);
 
 // Replaces the file at `path` with `contents`: writes a temporary file
 // beside it, flushes it to disk, renames it over `path` and flushes the
@@ -28,7 +28,7 @@ NVSHARED_API StatusOr<std::string> ReadWholeFile(const std::string& path);
 // is followed: the file it names is replaced and the link stays. A target
 // that exists but is not a regular file is refused. On error the old file
 // is untouched and the temporary file removed.
-NVSHARED_API Status ReplaceFileAtomically(const std::string& path,
+Status ReplaceFileAtomically(const std::string& path,
                                           std::string_view contents);
 
 }  // namespace nvshared::os
