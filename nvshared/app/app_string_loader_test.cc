@@ -1,30 +1,18 @@
 #include "nvshared/app/app_string_loader.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "nvshared/testing/report_capture.h"
+
 namespace nv_ns {
 namespace {
 
-// Leaves the loader as it found it: with or without an instance, same names.
+// Saves the loader's names and instance, and puts them back.
 class AppStringLoaderTest : public ::testing::Test {
- protected:
-  void SetUp() override {
-    hadInstance_ = AppStringLoader::HasInstance();
-    name_ = AppStringLoader::ConstInstance().AppName();
-    altName_ = AppStringLoader::ConstInstance().AltAppName();
-  }
-  void TearDown() override {
-    AppStringLoader::Instance().SetAppName(name_.c_str(), altName_.c_str());
-    if (!hadInstance_) AppStringLoader::Destroy(false);
-  }
-
- private:
-  bool hadInstance_ = false;
-  std::string name_, altName_;
+  nvshared::testing::ReportCapture capture_;
 };
 
 TEST_F(AppStringLoaderTest, FillsTheTokens) {
@@ -92,27 +80,20 @@ TEST_F(AppStringLoaderTest, DestroyWithoutFinalStartsAfreshWithoutNames) {
   EXPECT_EQ(AppStringLoader::ConstInstance().AltAppName(), "");
 }
 
-// Shutdown is never undone, so it runs in a child process, which reports
-// what failed on standard error.
-void CheckShutdownIsFinal() {
-  AppStringLoader::Instance().SetAppName("trader", "desk");
-  AppStringLoader::Shutdown();
-  AppStringLoader::Instance().SetAppName("again", "again");
-  std::string text = "<AppName>";
-  const char* failure =
-      AppStringLoader::HasInstance() ? "Instance() made a new instance"
-      : AppStringLoader::LoadAppString(text) || text != "<AppName>"
-          ? "the first form substituted"
-      : AppStringLoader::LoadAppString("<CapAppName>", text) ||
-              text != "<CapAppName>"
-          ? "the second form substituted"
-          : nullptr;
-  if (failure != nullptr) std::fprintf(stderr, "%s\n", failure);
-  std::exit(failure == nullptr ? 0 : 1);
-}
-
+// Shutdown is never undone, so it runs in a child process.
 TEST(AppStringLoaderDeathTest, ShutdownIsFinal) {
-  EXPECT_EXIT(CheckShutdownIsFinal(), ::testing::ExitedWithCode(0), "");
+  const auto shutDown = [] {
+    AppStringLoader::Instance().SetAppName("trader", "desk");
+    AppStringLoader::Shutdown();
+    AppStringLoader::Instance().SetAppName("again", "again");
+    std::string text = "<AppName>", copy;
+    const bool same = !AppStringLoader::HasInstance() &&
+                      !AppStringLoader::LoadAppString(text) &&
+                      !AppStringLoader::LoadAppString("<AppName>", copy) &&
+                      text == "<AppName>" && copy == "<AppName>";
+    std::exit(same ? 0 : 1);
+  };
+  EXPECT_EXIT(shutDown(), ::testing::ExitedWithCode(0), "");
 }
 
 }  // namespace

@@ -134,7 +134,9 @@ int CDVNVExpRpt::ProcessException(unsigned int code, unsigned int type,
   if (handled || critical) {
     std::string format;
     nv_ns::AppStringLoader::LoadAppString(
-        (handled ? TheTexts().s_sAbnormalMsg : TheTexts().s_sCriticalMsg).c_str(), format);
+        (handled ? TheTexts().s_sAbnormalMsg : TheTexts().s_sCriticalMsg)
+            .c_str(),
+        format);
     userMessage = FormatUserMessage(format, code);
   }
 
@@ -177,9 +179,13 @@ DVNVMessageBoxCallback CDVNVExpRpt::GetMessageBoxCallback() {
   return m_fpAfxMessageBox;
 }
 
-const std::string& CDVNVExpRpt::GetAbnormalMsg() { return TheTexts().s_sAbnormalMsg; }
+const std::string& CDVNVExpRpt::GetAbnormalMsg() {
+  return TheTexts().s_sAbnormalMsg;
+}
 
-const std::string& CDVNVExpRpt::GetCriticalMsg() { return TheTexts().s_sCriticalMsg; }
+const std::string& CDVNVExpRpt::GetCriticalMsg() {
+  return TheTexts().s_sCriticalMsg;
+}
 
 CDVNVExceptionHandler::~CDVNVExceptionHandler() = default;
 

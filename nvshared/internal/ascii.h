@@ -59,8 +59,8 @@ inline std::optional<IsoDate> ParseIsoDate(std::string_view text,
     return true;
   };
   IsoDate date;
-  if (text[4] != '-' || !number(0, 4, date.year) ||
-      !number(5, 2, date.month) || date.month < 1 || date.month > 12) {
+  if (text[4] != '-' || !number(0, 4, date.year) || !number(5, 2, date.month) ||
+      date.month < 1 || date.month > 12) {
     return std::nullopt;
   }
   if (withDay && (text[7] != '-' || !number(8, 2, date.day) || date.day < 1 ||

@@ -2,14 +2,13 @@
 // scalar, strings, char arrays, vectors, nested objects and lists of
 // objects. The frame they run in (header, binding, the checks and the
 // messages) is in xstreamable.cc; the item grammar is in xstreamable.h.
-#include "nvshared/messaging/xstreamable.h"
-
 #include <algorithm>
 #include <cstring>
 #include <string>
 #include <utility>
 
 #include "nvshared/messaging/xstream_trace.h"
+#include "nvshared/messaging/xstreamable.h"
 
 namespace nv_ns {
 namespace {

@@ -15,8 +15,8 @@
 namespace {
 
 // The commands that read reference data, and so take --refdata.
-const std::set<std::string_view> kUsesReferenceData = {
-    "exchanges", "demo", "mgt", "name", "match"};
+const std::set<std::string_view> kUsesReferenceData = {"exchanges", "demo",
+                                                       "mgt", "name", "match"};
 
 // What the command line names before CLI11 sees it: the command (the first
 // word that is not an option or the value of --refdata) and whether
@@ -81,9 +81,10 @@ int main(int argc, char** argv) {
       "Runs on the bundled sample reference data unless --refdata names a "
       "file.",
       "nvtool"};
-  app.set_version_flag("--version", "nvtool " NVSHARED_VERSION_STRING
-                                    " (library nvshared " NVSHARED_VERSION_STRING
-                                    ", " NVSHARED_SONAME ")");
+  app.set_version_flag("--version",
+                       "nvtool " NVSHARED_VERSION_STRING
+                       " (library nvshared " NVSHARED_VERSION_STRING
+                       ", " NVSHARED_SONAME ")");
   app.require_subcommand(1);
   app.option_defaults()->always_capture_default();
   // Global options are accepted after the command too, where users type

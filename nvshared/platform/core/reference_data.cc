@@ -44,7 +44,8 @@ std::string SeriesLabel(int exchange, std::string_view key) {
 
 const ReferenceData& ReferenceData::Current() {
   const ReferenceData* current = g_current.load(std::memory_order_acquire);
-  if (current != nullptr) [[likely]] return *current;
+  if (current != nullptr) [[likely]]
+    return *current;
   // Nothing installed yet: an empty store, never freed.
   static const ReferenceData* const empty = new ReferenceData();
   return *empty;

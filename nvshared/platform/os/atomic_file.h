@@ -29,7 +29,7 @@ StatusOr<std::string> ReadWholeFile(const std::string& path);
 // that exists but is not a regular file is refused. On error the old file
 // is untouched and the temporary file removed.
 Status ReplaceFileAtomically(const std::string& path,
-                                          std::string_view contents);
+                             std::string_view contents);
 
 }  // namespace nvshared::os
 

@@ -50,8 +50,7 @@ struct LocalTimeFields {
 std::int64_t MakeLocalTime(const LocalTimeFields& fields);
 // localtime_r: false (and `out` untouched) when the time cannot be broken
 // down.
-bool BreakDownLocalTime(std::int64_t seconds,
-                                     LocalTimeFields& out);
+bool BreakDownLocalTime(std::int64_t seconds, LocalTimeFields& out);
 
 }  // namespace nvshared::os
 

@@ -21,7 +21,7 @@ namespace nvshared::os {
 // more than `maxBytes` bytes. Like a conversion into a fixed buffer, it never
 // returns a partial text.
 std::optional<std::string> WideToUtf8(std::wstring_view text,
-                                                   std::size_t maxBytes);
+                                      std::size_t maxBytes);
 
 }  // namespace nvshared::os
 
