@@ -39,7 +39,7 @@ class NVSHARED_API CUDPrice {
 
  protected:
   // Turn a rate on a 360-day basis into one on 365 days and back, on the
-  // number as the column shows it. The two are not exact inverses.
+  // number as the column shows it. Inverses of each other up to rounding.
   virtual double Convert360To365(double value);
   virtual double Convert365To360(double value);
 
