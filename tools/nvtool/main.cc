@@ -31,6 +31,7 @@ int main(int argc, char** argv) {
   nvtool::AddMatchCommand(app, context);
   nvtool::AddDecodeCommand(app, context);
   nvtool::AddEncodeCommand(app, context);
+  nvtool::AddColumnCommand(app, context);
 
   try {
     app.parse(argc, argv);
