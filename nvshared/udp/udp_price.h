@@ -92,6 +92,8 @@ class NVSHARED_API CUDPYield2Maturity : public CUDPrice {
   // Sets up the calculator; a refusal is kept (see CUDPYTMCalc::Initialize)
   // and shows as false results.
   explicit CUDPYield2Maturity(CUDPData* data);
+  // A converter of its own is made from the settings, not copied.
+  CUDPYield2Maturity(const CUDPYield2Maturity&) = delete;
   // Stores the pointer and sets up the calculator again; the result of its
   // Initialize. A date outside the calendar (before 1400) raises
   // std::out_of_range, as Initialize does.
