@@ -2,6 +2,7 @@
 // file and/or options, checks its terms, and converts a stream of exchange
 // prices (one per line on standard input) into user-defined prices, or back.
 #include <cctype>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -10,6 +11,7 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 #include "nvshared/platform/utils/registry_mgr.h"
 #include "nvshared/platform/utils/udp_date_time.h"
@@ -143,6 +145,17 @@ CUDPData BuildSettings(const CLI::App& sub, const ColumnOptions& o) {
     }
   }
   auto given = [&sub](const char* name) { return sub.count(name) > 0; };
+  // The parser of doubles takes "nan" and "inf"; no bond term is either.
+  const std::pair<const char*, double> numbers[] = {
+      {"--coupon", o.coupon},
+      {"--factor", o.factor},
+      {"--strip-base", o.stripBase},
+      {"--pv01", o.pv01}};
+  for (const auto& [name, value] : numbers) {
+    if (given(name) && !std::isfinite(value)) {
+      throw CLI::ValidationError(name, "not a finite number");
+    }
+  }
   if (given("--settle")) {
     d.SetSettlementDate(ParseDate("--settle", o.settle), false);
   }
