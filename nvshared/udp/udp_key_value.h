@@ -58,7 +58,7 @@ class NVSHARED_API UDPKeyValue : public UDPKeyValueBase {
   UDPKeyValue& operator=(const UDPKeyValue&) = default;
   virtual ~UDPKeyValue() = default;
 
-  UDPType GetTypeEnum() const { return m_eType; }
+  const UDPType& GetTypeEnum() const { return m_eType; }
   const std::string& GetType() const { return m_sType; }
   const std::string& GetKey() const { return m_sKey; }
   const std::string& GetValue() const { return m_sValue; }

@@ -117,7 +117,9 @@ class NVSHARED_API CUDPriceFactory {
   // A new converter for the settings, owned by the caller, or null: for a
   // column that is off, for types 1 and 5 (the host shows those itself),
   // for a custom model (type 4) that no plug-in provides, for an unknown
-  // type, a null `data`, or when memory runs out.
+  // type, a null `data`, or when memory runs out. Dates outside the
+  // calendar (before 1400) raise std::out_of_range from the set-up of a
+  // yield-to-maturity converter, as CUDPYTMCalc::Initialize does.
   static CUDPrice* GetUDPrice(CUDPData* data);
   // Deletes the converter, if any, and nulls the pointer.
   static void ReleaseUDPrice(CUDPrice*& price);
