@@ -46,7 +46,10 @@
 #include "nvshared/platform/utils/udp_date_time.h"
 
 // User-defined prices.
+#include "nvshared/udp/udp_data.h"
 #include "nvshared/udp/udp_enums.h"
+#include "nvshared/udp/udp_key_value.h"
+#include "nvshared/udp/udp_price.h"
 #include "nvshared/udp/udp_ytm_calc.h"
 
 // Gateway login configuration, with the settings store it reads.

@@ -40,6 +40,7 @@ void AddPriceCommand(CLI::App& app, Context& context);
 void AddMatchCommand(CLI::App& app, Context& context);
 void AddDecodeCommand(CLI::App& app, Context& context);
 void AddEncodeCommand(CLI::App& app, Context& context);
+void AddColumnCommand(CLI::App& app, Context& context);
 
 }  // namespace nvtool
 

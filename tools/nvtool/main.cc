@@ -105,6 +105,7 @@ int main(int argc, char** argv) {
   nvtool::AddMatchCommand(app, context);
   nvtool::AddDecodeCommand(app, context);
   nvtool::AddEncodeCommand(app, context);
+  nvtool::AddColumnCommand(app, context);
 
   int status = 0;
   try {

@@ -1,0 +1,346 @@
+// nvtool column: sets up a user-defined price column from a settings store
+// file and/or options, checks its terms, and converts a stream of exchange
+// prices (one per line on standard input) into user-defined prices, or back.
+#include <cctype>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <iostream>
+#include <memory>
+#include <ostream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "nvshared/platform/utils/registry_mgr.h"
+#include "nvshared/platform/utils/udp_date_time.h"
+#include "nvshared/udp/udp_data.h"
+#include "nvshared/udp/udp_enums.h"
+#include "nvshared/udp/udp_price.h"
+#include "tools/nvtool/context.h"
+
+namespace nvtool {
+namespace {
+
+struct ColumnOptions {
+  std::string settings, save;
+  std::string settle, maturity, issue, firstCoupon;
+  double coupon = 0.0;
+  int frequency = 2;
+  std::string dayCount = "0";
+  int endOfMonth = 1;
+  bool optional = false;
+  double factor = 1.0;
+  int type = 3;
+  int yieldType = 2;
+  double stripBase = 0.0;
+  double pv01 = 1.0;
+  bool convert365 = false;
+  bool reverse = false;
+  int decimals = 6;
+};
+
+std::string Fixed(double value, int decimals) {
+  char buf[400];
+  std::snprintf(buf, sizeof buf, "%.*f", decimals, value);
+  return buf;
+}
+
+// YYYY-MM-DD, a real date.
+nv_ns::UDPDateTime ParseDate(const std::string& option,
+                             const std::string& text) {
+  bool shaped = text.size() == 10 && text[4] == '-' && text[7] == '-';
+  for (std::size_t i = 0; shaped && i < text.size(); ++i) {
+    if (i != 4 && i != 7) {
+      shaped = std::isdigit(static_cast<unsigned char>(text[i])) != 0;
+    }
+  }
+  nv_ns::UDPDateTime date;
+  if (!shaped ||
+      !date.ParseDateTime(text.c_str(), nv_ns::UDPDateTime::kDateValueOnly,
+                          nv_ns::UDPDateTime::kUserDefaultLocale)) {
+    throw CLI::ValidationError(option,
+                               "not a date in the form YYYY-MM-DD: " + text);
+  }
+  return date;
+}
+
+std::string Lower(std::string s) {
+  for (char& c : s) c = static_cast<char>(std::tolower(c));
+  return s;
+}
+
+int ParseDayCount(const std::string& text) {
+  for (int i = 0; i <= 5; ++i) {
+    const std::string& name =
+        CUDPData::GetDayCountTypeString(nv_ns::UDPDayCountType(i));
+    if (text == std::to_string(i) || Lower(text) == Lower(name)) return i;
+  }
+  throw CLI::ValidationError(
+      "--daycount", "unknown day count '" + text +
+                        "' (0 Actual/Actual, 1 Actual/360, 2 30/360, 3 "
+                        "30/365, 4 30E/360, 5 Actual/365)");
+}
+
+const char* VerdictMeaning(int code) {
+  switch (code) {
+    case 0:
+      return "valid";
+    case 1:
+      return "settlement date not before maturity, or not after now";
+    case 2:
+      return "conversion factor outside 0.1 to 5.0";
+    case 3:
+      return "issue date not valid";
+    case 4:
+      return "issue date not before the first coupon date";
+    case 5:
+      return "first coupon date not valid, or issue date missing";
+    case 6:
+      return "first coupon date not before maturity";
+    case 7:
+      return "first coupon date outside the span from issue to maturity";
+    case 8:
+      return "first coupon date not on the coupon calendar";
+    default:
+      return "unknown";
+  }
+}
+
+const char* ConverterName(const CUDPrice* p) {
+  if (dynamic_cast<const CUDPYield2Maturity*>(p)) {
+    return "CUDPYield2Maturity (yield to maturity in percent)";
+  }
+  if (dynamic_cast<const CUDPriceYield*>(p)) {
+    return "CUDPriceYield (simple yield)";
+  }
+  if (dynamic_cast<const CUDPriceParRate*>(p)) {
+    return "CUDPriceParRate (par rate)";
+  }
+  return "unknown";
+}
+
+// Binds the user's store to `path` after clearing it.
+void BindStore(const std::string& path) {
+  CRegistryMgr& store = CRegistryMgr::Instance(CRegistryMgr::kUser);
+  store.Clear();
+  const nvshared::Status status = store.SetFilePath(path);
+  if (!status.ok()) throw CLI::RuntimeError(status.message(), 1);
+}
+
+// The settings: the file's, then every option given on the command line.
+CUDPData BuildSettings(const CLI::App& sub, const ColumnOptions& o) {
+  CUDPData d;
+  if (!o.settings.empty()) {
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(o.settings, ec)) {
+      throw CLI::RuntimeError("no settings file " + o.settings, 1);
+    }
+    BindStore(o.settings);
+    const bool loaded = d.LoadSaveSettings(true) == 1;
+    CRegistryMgr::Instance(CRegistryMgr::kUser).Clear();
+    if (!loaded) {
+      throw CLI::RuntimeError("cannot load the settings of " + o.settings, 1);
+    }
+  }
+  auto given = [&sub](const char* name) { return sub.count(name) > 0; };
+  // The parser of doubles takes "nan" and "inf"; no bond term is either.
+  const std::pair<const char*, double> numbers[] = {
+      {"--coupon", o.coupon},
+      {"--factor", o.factor},
+      {"--strip-base", o.stripBase},
+      {"--pv01", o.pv01}};
+  for (const auto& [name, value] : numbers) {
+    if (given(name) && !std::isfinite(value)) {
+      throw CLI::ValidationError(name, "not a finite number");
+    }
+  }
+  if (given("--settle")) {
+    d.SetSettlementDate(ParseDate("--settle", o.settle), false);
+  }
+  if (given("--maturity")) {
+    d.SetMaturityDate(ParseDate("--maturity", o.maturity), false);
+  }
+  if (given("--issue")) d.SetIssueDate(ParseDate("--issue", o.issue), false);
+  if (given("--first-coupon")) {
+    d.SetFirstCouponDate(ParseDate("--first-coupon", o.firstCoupon));
+  }
+  if (given("--coupon")) d.SetCoupon(o.coupon, false);
+  if (given("--freq")) d.SetCouponFreq(o.frequency, false);
+  if (given("--daycount")) d.m_iDayCount = ParseDayCount(o.dayCount);
+  if (given("--eom")) d.m_bEOMConversion = o.endOfMonth;
+  if (given("--optional")) d.m_bYTMOptionalSettings = o.optional ? 1 : 0;
+  if (given("--factor")) d.m_dConvFactor = o.factor;
+  if (given("--type")) d.m_UDPriceType = o.type;
+  if (given("--yield-type")) d.m_YieldType = o.yieldType;
+  if (given("--strip-base")) d.m_dStripBase = o.stripBase;
+  if (given("--pv01")) d.m_dPV01 = o.pv01;
+  if (given("--convert-365")) d.m_bConvertTo365 = o.convert365 ? 1 : 0;
+  if (o.settings.empty() && !given("--type")) d.m_UDPriceType = 3;
+  d.m_bEnableUDP = 1;
+  return d;
+}
+
+// Blanks around a line are ignored; the rest must be one number.
+bool ParseNumber(const std::string& line, double& value) {
+  const char* begin = line.c_str();
+  char* end = nullptr;
+  value = std::strtod(begin, &end);
+  if (end == begin) return false;
+  while (*end == ' ' || *end == '\t' || *end == '\r') ++end;
+  return *end == '\0';
+}
+
+bool IsBlank(const std::string& line) {
+  return line.find_first_not_of(" \t\r") == std::string::npos;
+}
+
+void Run(const CLI::App& sub, const ColumnOptions& o, Context& context) {
+  CUDPData d = BuildSettings(sub, o);
+  std::ostream& out = *context.out;
+
+  int verdict = -1;
+  try {
+    verdict = d.ValidateData();
+  } catch (const std::out_of_range&) {
+    throw CLI::RuntimeError(
+        "a date is outside the calendar (years 1400 to 9999)", 1);
+  }
+  out << "verdict: " << verdict << ' ' << VerdictMeaning(verdict) << '\n';
+
+  if (!o.save.empty()) {
+    BindStore(o.save);
+    const bool saved = d.LoadSaveSettings(false) == 1;
+    const nvshared::Status bound =
+        CRegistryMgr::Instance(CRegistryMgr::kUser).SetFilePath("");
+    (void)bound;
+    if (!saved) throw CLI::RuntimeError("cannot save to " + o.save, 1);
+    out << "saved: " << o.save << '\n';
+  }
+
+  CUDPrice* raw = nullptr;
+  try {
+    raw = CUDPriceFactory::GetUDPrice(&d);
+  } catch (const std::out_of_range&) {
+    throw CLI::RuntimeError(
+        "a date is outside the calendar (years 1400 to 9999)", 1);
+  }
+  std::unique_ptr<CUDPrice, void (*)(CUDPrice*)> price(
+      raw, [](CUDPrice* p) { CUDPriceFactory::ReleaseUDPrice(p); });
+  if (!price) {
+    throw CLI::RuntimeError("price type " + std::to_string(d.m_UDPriceType) +
+                                " (" +
+                                CUDPData::GetPriceTypeNameEx(d.m_UDPriceType) +
+                                ") has no converter: types 2, 3 and 6 have one",
+                            1);
+  }
+  out << "converter: " << ConverterName(price.get()) << '\n';
+
+  std::string line;
+  int lineNumber = 0;
+  bool allGood = true;
+  while (std::getline(std::cin, line)) {
+    ++lineNumber;
+    if (IsBlank(line)) continue;
+    double value = 0.0;
+    if (!ParseNumber(line, value)) {
+      *context.err << "nvtool: line " << lineNumber
+                   << ": not a number: " << line << '\n';
+      allGood = false;
+      continue;
+    }
+    double result = 0.0;
+    const bool ok = o.reverse ? price->GetPriceFromUDP(value, result)
+                              : price->GetUDPFromPrice(value, result);
+    if (!ok) {
+      *context.err << "nvtool: line " << lineNumber << ": no "
+                   << (o.reverse ? "exchange price" : "user-defined price")
+                   << " for " << Fixed(value, o.decimals) << '\n';
+      allGood = false;
+      continue;
+    }
+    out << Fixed(value, o.decimals) << '\t' << Fixed(result, o.decimals)
+        << '\n';
+  }
+  out.flush();
+  if (!allGood) throw CLI::RuntimeError("some lines were not converted", 1);
+}
+
+}  // namespace
+
+void AddColumnCommand(CLI::App& app, Context& context) {
+  auto o = std::make_shared<ColumnOptions>();
+  CLI::App* sub = app.add_subcommand(
+      "column",
+      "Sets up a user-defined price column from a settings file and/or "
+      "options, prints the verdict of its terms' check and the converter "
+      "chosen, then reads exchange prices from standard input, one per "
+      "line, and prints each with its user-defined price (or, with "
+      "--reverse, user-defined prices with their exchange prices). The "
+      "column is switched on. Options given override the file.");
+  sub->add_option("--settings", o->settings,
+                  "Settings store file to load (section [UserDefinedPrice]); "
+                  "default: none, the record's defaults")
+      ->type_name("FILE");
+  sub->add_option("--save", o->save,
+                  "Write the settings to this store file; default: none")
+      ->type_name("FILE");
+  sub->add_option("--settle", o->settle,
+                  "Settlement date, YYYY-MM-DD; default: today");
+  sub->add_option("--maturity", o->maturity,
+                  "Maturity date, YYYY-MM-DD; default: today");
+  sub->add_option("--issue", o->issue,
+                  "Issue (dated) date, YYYY-MM-DD; default: today");
+  sub->add_option("--first-coupon", o->firstCoupon,
+                  "First coupon date, YYYY-MM-DD; default: today");
+  sub->add_option("--coupon", o->coupon,
+                  "Annual coupon in percent; default: from the file, else 8.5");
+  sub->add_option("--freq", o->frequency,
+                  "Coupons a year: 1, 2, 4 or 12; default: from the file, "
+                  "else 2")
+      ->check(CLI::IsMember({1, 2, 4, 12}));
+  sub->add_option("--daycount", o->dayCount,
+                  "Day count by number or name: 0 Actual/Actual, 1 "
+                  "Actual/360, 2 30/360, 3 30/365, 4 30E/360, 5 Actual/365; "
+                  "default: from the file, else 0");
+  sub->add_option("--eom", o->endOfMonth,
+                  "End-of-month rule, 0 or 1; default: from the file, else 1")
+      ->check(CLI::IsMember({0, 1}));
+  sub->add_flag("--optional", o->optional,
+                "Use --issue and --first-coupon for an odd first period; "
+                "default: from the file, else off");
+  sub->add_option("--factor", o->factor,
+                  "Futures conversion factor; default: from the file, else 1");
+  sub->add_option("--type", o->type,
+                  "Price type: 2 yield, 3 yield to maturity, 6 par rate (1, "
+                  "4 and 5 have no converter); default: from the file, else 3")
+      ->check(CLI::Range(1, 6));
+  sub->add_option("--yield-type", o->yieldType,
+                  "Yield of type 2: 1 price, 2 100-price, 3 (10000-price)/100, "
+                  "4 (10000-(price+strip base))/100, 5 (100000-price)/1000; "
+                  "default: from the file, else 2")
+      ->check(CLI::Range(1, 5));
+  sub->add_option("--strip-base", o->stripBase,
+                  "Strip base of yield type 4; default: from the file, else 0");
+  sub->add_option("--pv01", o->pv01,
+                  "Divisor of the par rate conversion; default: 1");
+  sub->add_flag("--convert-365", o->convert365,
+                "Show simple yields on a 365-day basis; default: from the "
+                "file, else off");
+  sub->add_flag("--reverse", o->reverse,
+                "Read user-defined prices and print exchange prices");
+  sub->add_option("--decimals", o->decimals,
+                  "Decimals printed, 0 to 15; default: 6")
+      ->check(CLI::Range(0, 15));
+  // The defaults come from the file or the record, as each option says; the
+  // option's own initial value means nothing here.
+  for (CLI::Option* option : sub->get_options()) option->default_str("");
+  for (const char* name :
+       {"--settle", "--maturity", "--issue", "--first-coupon"}) {
+    sub->get_option(name)->type_name("YYYY-MM-DD");
+  }
+  sub->callback([sub, o, &context] { Run(*sub, *o, context); });
+}
+
+}  // namespace nvtool
