@@ -18,6 +18,7 @@
 #include "nvshared/udp/udp_data.h"
 #include "nvshared/udp/udp_enums.h"
 #include "nvshared/udp/udp_price.h"
+#include "tools/nvtool/bond_terms.h"
 #include "tools/nvtool/context.h"
 
 namespace nvtool {
@@ -40,48 +41,6 @@ struct ColumnOptions {
   bool reverse = false;
   int decimals = 6;
 };
-
-std::string Fixed(double value, int decimals) {
-  char buf[400];
-  std::snprintf(buf, sizeof buf, "%.*f", decimals, value);
-  return buf;
-}
-
-// YYYY-MM-DD, a real date.
-nv_ns::UDPDateTime ParseDate(const std::string& option,
-                             const std::string& text) {
-  bool shaped = text.size() == 10 && text[4] == '-' && text[7] == '-';
-  for (std::size_t i = 0; shaped && i < text.size(); ++i) {
-    if (i != 4 && i != 7) {
-      shaped = std::isdigit(static_cast<unsigned char>(text[i])) != 0;
-    }
-  }
-  nv_ns::UDPDateTime date;
-  if (!shaped ||
-      !date.ParseDateTime(text.c_str(), nv_ns::UDPDateTime::kDateValueOnly,
-                          nv_ns::UDPDateTime::kUserDefaultLocale)) {
-    throw CLI::ValidationError(option,
-                               "not a date in the form YYYY-MM-DD: " + text);
-  }
-  return date;
-}
-
-std::string Lower(std::string s) {
-  for (char& c : s) c = static_cast<char>(std::tolower(c));
-  return s;
-}
-
-int ParseDayCount(const std::string& text) {
-  for (int i = 0; i <= 5; ++i) {
-    const std::string& name =
-        CUDPData::GetDayCountTypeString(nv_ns::UDPDayCountType(i));
-    if (text == std::to_string(i) || Lower(text) == Lower(name)) return i;
-  }
-  throw CLI::ValidationError(
-      "--daycount", "unknown day count '" + text +
-                        "' (0 Actual/Actual, 1 Actual/360, 2 30/360, 3 "
-                        "30/365, 4 30E/360, 5 Actual/365)");
-}
 
 const char* VerdictMeaning(int code) {
   switch (code) {
@@ -145,17 +104,6 @@ CUDPData BuildSettings(const CLI::App& sub, const ColumnOptions& o) {
     }
   }
   auto given = [&sub](const char* name) { return sub.count(name) > 0; };
-  // The parser of doubles takes "nan" and "inf"; no bond term is either.
-  const std::pair<const char*, double> numbers[] = {
-      {"--coupon", o.coupon},
-      {"--factor", o.factor},
-      {"--strip-base", o.stripBase},
-      {"--pv01", o.pv01}};
-  for (const auto& [name, value] : numbers) {
-    if (given(name) && !std::isfinite(value)) {
-      throw CLI::ValidationError(name, "not a finite number");
-    }
-  }
   if (given("--settle")) {
     d.SetSettlementDate(ParseDate("--settle", o.settle), false);
   }
@@ -295,7 +243,8 @@ void AddColumnCommand(CLI::App& app, Context& context) {
   sub->add_option("--first-coupon", o->firstCoupon,
                   "First coupon date, YYYY-MM-DD; default: today");
   sub->add_option("--coupon", o->coupon,
-                  "Annual coupon in percent; default: from the file, else 8.5");
+                  "Annual coupon in percent; default: from the file, else 8.5")
+      ->check(FiniteNumber());
   sub->add_option("--freq", o->frequency,
                   "Coupons a year: 1, 2, 4 or 12; default: from the file, "
                   "else 2")
@@ -311,7 +260,8 @@ void AddColumnCommand(CLI::App& app, Context& context) {
                 "Use --issue and --first-coupon for an odd first period; "
                 "default: from the file, else off");
   sub->add_option("--factor", o->factor,
-                  "Futures conversion factor; default: from the file, else 1");
+                  "Futures conversion factor; default: from the file, else 1")
+      ->check(FiniteNumber());
   sub->add_option("--type", o->type,
                   "Price type: 2 yield, 3 yield to maturity, 6 par rate (1, "
                   "4 and 5 have no converter); default: from the file, else 3")
@@ -322,9 +272,11 @@ void AddColumnCommand(CLI::App& app, Context& context) {
                   "default: from the file, else 2")
       ->check(CLI::Range(1, 5));
   sub->add_option("--strip-base", o->stripBase,
-                  "Strip base of yield type 4; default: from the file, else 0");
+                  "Strip base of yield type 4; default: from the file, else 0")
+      ->check(FiniteNumber());
   sub->add_option("--pv01", o->pv01,
-                  "Divisor of the par rate conversion; default: 1");
+                  "Divisor of the par rate conversion; default: 1")
+      ->check(FiniteNumber());
   sub->add_flag("--convert-365", o->convert365,
                 "Show simple yields on a 365-day basis; default: from the "
                 "file, else off");

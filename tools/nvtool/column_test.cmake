@@ -91,4 +91,4 @@ column(1 "${empty}" "^$" "^nvtool: no settings file ${WORK_DIR}/none.ini\n$"
 column(2 "${empty}" "^$" "^nvtool: --settle: not a date in the form YYYY-MM-DD: 2024-02-30\n"
   --settle 2024-02-30)
 column(2 "${empty}" "^$" "--type" --type 9)
-column(2 "${empty}" "^$" "--pv01: not a finite number" --type 6 --pv01 nan)
+column(2 "${empty}" "^$" "--pv01: must be a finite number, not nan" --type 6 --pv01 nan)

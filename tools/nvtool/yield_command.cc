@@ -7,10 +7,10 @@
 #include <stdexcept>
 #include <string>
 
-#include "nvshared/internal/ascii.h"
 #include "nvshared/platform/utils/udp_date_time.h"
 #include "nvshared/udp/udp_enums.h"
 #include "nvshared/udp/udp_ytm_calc.h"
+#include "tools/nvtool/bond_terms.h"
 #include "tools/nvtool/context.h"
 
 namespace nvtool {
@@ -27,42 +27,6 @@ struct BondOptions {
   bool explain = false;
   double value = 0.0;  // the price for `yield`, the yield for `price`
 };
-
-std::string Fixed(double value, int decimals) {
-  char buf[64];
-  std::snprintf(buf, sizeof buf, "%.*f", decimals, value);
-  return buf;
-}
-
-// YYYY-MM-DD, a real date.
-nv_ns::UDPDateTime ParseDate(const std::string& option,
-                             const std::string& text) {
-  const auto parsed = nvshared::internal::ParseIsoDate(text);
-  const nv_ns::UDPDateTime date =
-      parsed ? nv_ns::UDPDateTime(parsed->year, parsed->month, parsed->day, 0,
-                                  0, 0)
-             : nv_ns::UDPDateTime(std::nan(""));
-  if (date.GetStatus() != nv_ns::UDPDateTime::valid) {
-    throw CLI::ValidationError(option,
-                               "not a date in the form YYYY-MM-DD: " + text);
-  }
-  return date;
-}
-
-using nvshared::internal::AsciiEqualIgnoreCase;
-
-// A day-count number 0..5 or its name, in any case.
-int ParseDayCount(const std::string& text) {
-  for (int i = 0; i <= 5; ++i) {
-    const std::string& name =
-        nv_ns::UDPEnumNames::GetDayCountTypeString(nv_ns::UDPDayCountType(i));
-    if (text == std::to_string(i) || AsciiEqualIgnoreCase(text, name)) return i;
-  }
-  throw CLI::ValidationError(
-      "--daycount", "unknown day count '" + text +
-                        "' (0 Actual/Actual, 1 Actual/360, 2 30/360, 3 "
-                        "30/365, 4 30E/360, 5 Actual/365)");
-}
 
 const char* ValidationMeaning(int code) {
   switch (code) {
