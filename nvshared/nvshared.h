@@ -14,9 +14,12 @@
 #include "nvshared/market/market_utils.h"
 
 // Contract names.
+#include "nvshared/naming/archiver.h"
+#include "nvshared/naming/binary_archiver.h"
 #include "nvshared/naming/format_contract_config.h"
 #include "nvshared/naming/formatted_name_data.h"
 #include "nvshared/naming/series_name_formatter.h"
+#include "nvshared/naming/update_hint.h"
 
 // Application services.
 #include "nvshared/app/app_string_loader.h"

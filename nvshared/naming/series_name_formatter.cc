@@ -97,11 +97,16 @@ SeriesNameFormatter& SeriesNameFormatter::Instance() {
 bool SeriesNameFormatter::HasInstance() { return g_has_instance.load(); }
 
 SeriesNameFormatter::SeriesNameFormatter()
-    : logConfig_(MakeLogConfig(false)), customConfig_(MakeLogConfig(true)) {
+    : observers_(
+          std::make_unique<
+              std::map<SeriesNameFormatterObserver*,
+                       boost::shared_ptr<SeriesNameFormatterObserverData>>>()),
+      logConfig_(MakeLogConfig(false)),
+      customConfig_(MakeLogConfig(true)) {
   g_has_instance.store(true);
 }
 
-SeriesNameFormatter::~SeriesNameFormatter() = default;
+SeriesNameFormatter::~SeriesNameFormatter() { NotifyDestroy(); }
 
 bool SeriesNameFormatter::IsSeriesNameEnabled() const {
   std::lock_guard<std::recursive_mutex> guard(lock_);
@@ -109,8 +114,12 @@ bool SeriesNameFormatter::IsSeriesNameEnabled() const {
 }
 
 void SeriesNameFormatter::SetSeriesNameEnabled(bool enable) {
-  std::lock_guard<std::recursive_mutex> guard(lock_);
-  seriesNameEnabled_ = enable;
+  {
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    if (seriesNameEnabled_ == enable) return;
+    seriesNameEnabled_ = enable;
+  }
+  NotifySeriesNameUpdate(UpdateHint());
 }
 
 bool SeriesNameFormatter::IsSeriesNameEnabled(int exchangeId) const {
@@ -123,12 +132,13 @@ bool SeriesNameFormatter::IsSeriesNameEnabled(int exchangeId) const {
 void SeriesNameFormatter::SetSeriesNameEnabled(int exchangeId, bool enable) {
   dv_core_ns::AEnum_ExchIds id(exchangeId);
   MakeUnflavoredExchangeID(id);
-  std::lock_guard<std::recursive_mutex> guard(lock_);
-  if (enable) {
-    seriesNameExchanges_.insert(id);
-  } else {
-    seriesNameExchanges_.erase(id);
+  bool changed = false;
+  {
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    changed = enable ? seriesNameExchanges_.insert(id).second
+                     : seriesNameExchanges_.erase(id) != 0;
   }
+  if (changed) NotifySeriesNameUpdate(UpdateHint(id));
 }
 
 bool SeriesNameFormatter::IsProductNameEnabled() const {
@@ -137,8 +147,12 @@ bool SeriesNameFormatter::IsProductNameEnabled() const {
 }
 
 void SeriesNameFormatter::SetProductNameEnabled(bool enable) {
-  std::lock_guard<std::recursive_mutex> guard(lock_);
-  productNameEnabled_ = enable;
+  {
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    if (productNameEnabled_ == enable) return;
+    productNameEnabled_ = enable;
+  }
+  NotifySeriesNameUpdate(UpdateHint());
 }
 
 const char* SeriesNameFormatter::GetCustomName(
