@@ -12,6 +12,7 @@
 #include "nvshared/market/exchange_names.h"
 #include "nvshared/market/market_types.h"
 #include "nvshared/market/market_utils.h"
+#include "nvshared/market/series_compare.h"
 
 // Contract names.
 #include "nvshared/naming/archiver.h"
