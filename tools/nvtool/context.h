@@ -36,6 +36,8 @@ void AddPriceCommand(CLI::App& app, Context& context);
 void AddMatchCommand(CLI::App& app, Context& context);
 void AddDecodeCommand(CLI::App& app, Context& context);
 void AddEncodeCommand(CLI::App& app, Context& context);
+void AddSortCommand(CLI::App& app, Context& context);
+void AddNamesCommand(CLI::App& app, Context& context);
 
 }  // namespace nvtool
 

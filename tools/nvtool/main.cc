@@ -31,6 +31,8 @@ int main(int argc, char** argv) {
   nvtool::AddMatchCommand(app, context);
   nvtool::AddDecodeCommand(app, context);
   nvtool::AddEncodeCommand(app, context);
+  nvtool::AddSortCommand(app, context);
+  nvtool::AddNamesCommand(app, context);
 
   try {
     app.parse(argc, argv);
