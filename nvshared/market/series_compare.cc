@@ -9,7 +9,7 @@
 #include <shared_mutex>
 #include <string>
 #include <string_view>
-#include <tuple>
+#include <type_traits>
 #include <unordered_map>
 
 #include "nvshared/market/exchange_names.h"
@@ -72,86 +72,6 @@ int CompareNoCase(const char* a, const char* b) {
 
 // --- Kept answers of the core ------------------------------------------------
 
-// What the comparisons need of a product beyond the object itself.
-struct ProductFacts {
-  const char* currency = nullptr;
-  // The core's record of the product, whose agile data stands in where the
-  // object carries none (as a series' own copy of its product does not).
-  const ProdID* record = nullptr;
-};
-
-class KeptAnswers {
- public:
-  static KeptAnswers& Instance() {
-    static KeptAnswers* kept = new KeptAnswers();  // never freed: used at exit
-    return *kept;
-  }
-
-  const ProductFacts& Product(const ProdID& product) {
-    Key key{static_cast<int>(product.exchange),
-            static_cast<int>(product.productType), product.productName};
-    {
-      std::shared_lock<std::shared_mutex> read(lock_);
-      const auto it = products_.find(key);
-      if (it != products_.end()) return it->second;
-    }
-    ProductFacts facts;
-    CountCoreLookup();
-    facts.currency = CDVBasePriceConsumer::GetCurrencyCode(&product);
-    CountCoreLookup();
-    if (const auto* record =
-            dv_core_ns::ReferenceData::Current().FindProduct(product)) {
-      facts.record = &record->id;
-    }
-    std::unique_lock<std::shared_mutex> write(lock_);
-    return products_.emplace(std::move(key), facts).first->second;
-  }
-
-  // The legs of a spread or strategy; null if the core does not know them.
-  const LegList* Legs(const SeriesID& series) {
-    char buffer[16 + dv_core_ns::kSeriesKeySize];
-    const int n = std::snprintf(buffer, sizeof buffer, "%d|%s",
-                                static_cast<int>(series.product.exchange),
-                                series.seriesKey);
-    const std::string_view key(buffer, n > 0 ? static_cast<std::size_t>(n) : 0);
-    {
-      std::shared_lock<std::shared_mutex> read(lock_);
-      const auto it = legs_.find(key);
-      if (it != legs_.end()) return it->second.get();
-    }
-    auto list = std::make_unique<LegList>();
-    CountCoreLookup();
-    if (!CDVBasePriceConsumer::CopyLegList(&series, *list)) list.reset();
-    std::unique_lock<std::shared_mutex> write(lock_);
-    return legs_.emplace(std::string(key), std::move(list)).first->second.get();
-  }
-
- private:
-  using Key = std::tuple<int, int, std::string>;
-  struct Hash {
-    using is_transparent = void;
-    std::size_t operator()(std::string_view s) const {
-      return std::hash<std::string_view>()(s);
-    }
-  };
-
-  std::shared_mutex lock_;
-  std::map<Key, ProductFacts> products_;
-  std::unordered_map<std::string, std::unique_ptr<LegList>, Hash,
-                     std::equal_to<>>
-      legs_;
-};
-
-// --- Products ----------------------------------------------------------------
-
-// The agile value of `tag`: the object's own, or the core's record's where
-// the object carries no agile data at all.
-const std::string* ProductTag(const ProdID& product, short tag) {
-  if (!product.AgileData().empty()) return product.FindAgileData(tag);
-  const ProdID* record = KeptAnswers::Instance().Product(product).record;
-  return record != nullptr ? record->FindAgileData(tag) : nullptr;
-}
-
 // A whole decimal number, or false.
 bool ToInteger(const std::string* text, long long& value) {
   if (text == nullptr || text->empty()) return false;
@@ -177,6 +97,157 @@ bool FirstOfDate(const std::string* text, int& first) {
   return std::sscanf(text->c_str(), "%d/%d/%d", &first, &second, &third) == 3;
 }
 
+// A bond's sort keys, read from its agile data: the term key (tag 1038),
+// the issue key (1039), and the span of its dates (1014 less 1012, first
+// numbers only).
+struct BondKeys {
+  bool hasTerm = false;
+  bool hasIssue = false;
+  bool hasSpan = false;
+  long long term = 0;
+  long long issue = 0;
+  long long span = 0;
+};
+
+BondKeys ReadBondKeys(const dv_core_ns::CoreClass* tags) {
+  BondKeys keys;
+  if (tags == nullptr) return keys;
+  keys.hasTerm = ToInteger(tags->FindAgileData(kTagTermKey), keys.term);
+  keys.hasIssue = ToInteger(tags->FindAgileData(kTagIssueKey), keys.issue);
+  int issued = 0, matures = 0;
+  if (FirstOfDate(tags->FindAgileData(kTagIssueDate), issued) &&
+      FirstOfDate(tags->FindAgileData(kTagMaturityDate), matures)) {
+    keys.hasSpan = true;
+    keys.span = static_cast<long long>(matures) - issued;
+  }
+  return keys;
+}
+
+// What the comparisons need of a bond beyond the object itself: its
+// currency, and the keys of the core's record of it, which stand in where
+// the object carries no agile data (as a series' own copy of its product
+// does not).
+struct ProductFacts {
+  const char* currency = nullptr;
+  BondKeys keys;
+};
+
+class KeptAnswers {
+ public:
+  static KeptAnswers& Instance() {
+    static KeptAnswers* kept = new KeptAnswers();  // never freed: used at exit
+    return *kept;
+  }
+
+  const ProductFacts& Product(const ProdID& product) {
+    const ProductView view{static_cast<int>(product.exchange),
+                           static_cast<int>(product.productType),
+                           product.productName};
+    {
+      std::shared_lock<std::shared_mutex> read(lock_);
+      const auto it = products_.find(view);
+      if (it != products_.end()) return it->second;
+    }
+    ProductFacts facts;
+    CountCoreLookup();
+    facts.currency = CDVBasePriceConsumer::GetCurrencyCode(&product);
+    CountCoreLookup();
+    const auto* record =
+        dv_core_ns::ReferenceData::Current().FindProduct(product);
+    facts.keys = ReadBondKeys(record != nullptr ? &record->id : nullptr);
+    std::unique_lock<std::shared_mutex> write(lock_);
+    return products_
+        .emplace(ProductKey{view.exchange, view.type, std::string(view.name)},
+                 facts)
+        .first->second;
+  }
+
+  // The legs of a spread or strategy; null if the core does not know them.
+  const LegList* Legs(const SeriesID& series) {
+    const SeriesView view{static_cast<int>(series.product.exchange),
+                          series.seriesKey};
+    {
+      std::shared_lock<std::shared_mutex> read(lock_);
+      const auto it = legs_.find(view);
+      if (it != legs_.end()) return it->second.get();
+    }
+    auto list = std::make_unique<LegList>();
+    CountCoreLookup();
+    if (!CDVBasePriceConsumer::CopyLegList(&series, *list)) list.reset();
+    std::unique_lock<std::shared_mutex> write(lock_);
+    return legs_
+        .emplace(SeriesKey{view.exchange, std::string(view.key)},
+                 std::move(list))
+        .first->second.get();
+  }
+
+ private:
+  struct ProductView {
+    int exchange;
+    int type;
+    std::string_view name;
+  };
+  struct ProductKey {
+    int exchange;
+    int type;
+    std::string name;
+  };
+  struct SeriesView {
+    int exchange;
+    std::string_view key;
+  };
+  struct SeriesKey {
+    int exchange;
+    std::string key;
+  };
+  // Hashing and equality over both the owned keys and their views, so that
+  // a look-up copies nothing.
+  struct Hash {
+    using is_transparent = void;
+    std::size_t operator()(const ProductView& v) const {
+      return std::hash<std::string_view>()(v.name) ^
+             (static_cast<std::size_t>(v.exchange) * 31 +
+              static_cast<std::size_t>(v.type));
+    }
+    std::size_t operator()(const ProductKey& k) const {
+      return (*this)(ProductView{k.exchange, k.type, k.name});
+    }
+    std::size_t operator()(const SeriesView& v) const {
+      return std::hash<std::string_view>()(v.key) ^
+             static_cast<std::size_t>(v.exchange);
+    }
+    std::size_t operator()(const SeriesKey& k) const {
+      return (*this)(SeriesView{k.exchange, k.key});
+    }
+  };
+  struct Equal {
+    using is_transparent = void;
+    static ProductView View(const ProductView& v) { return v; }
+    static ProductView View(const ProductKey& k) {
+      return {k.exchange, k.type, k.name};
+    }
+    static SeriesView View(const SeriesView& v) { return v; }
+    static SeriesView View(const SeriesKey& k) { return {k.exchange, k.key}; }
+    template <typename A, typename B>
+    bool operator()(const A& a, const B& b) const {
+      const auto va = View(a);
+      const auto vb = View(b);
+      if constexpr (std::is_same_v<decltype(va), const ProductView>) {
+        return va.exchange == vb.exchange && va.type == vb.type &&
+               va.name == vb.name;
+      } else {
+        return va.exchange == vb.exchange && va.key == vb.key;
+      }
+    }
+  };
+
+  std::shared_mutex lock_;
+  std::unordered_map<ProductKey, ProductFacts, Hash, Equal> products_;
+  std::unordered_map<SeriesKey, std::unique_ptr<LegList>, Hash, Equal> legs_;
+};
+
+// --- Products ----------------------------------------------------------------
+
 // The digits that lead a name once its leading 'W' and '_' are dropped.
 long long LeadingTerm(const char* name) {
   while (*name == 'W' || *name == '_') ++name;
@@ -187,23 +258,13 @@ long long LeadingTerm(const char* name) {
   return value;
 }
 
-int CompareSpans(const ProdID& a, const ProdID& b) {
-  int issueA = 0, maturityA = 0, issueB = 0, maturityB = 0;
-  if (FirstOfDate(ProductTag(a, kTagIssueDate), issueA) &&
-      FirstOfDate(ProductTag(a, kTagMaturityDate), maturityA) &&
-      FirstOfDate(ProductTag(b, kTagIssueDate), issueB) &&
-      FirstOfDate(ProductTag(b, kTagMaturityDate), maturityB)) {
-    return Clamp(static_cast<long long>(maturityA) - issueA -
-                 (static_cast<long long>(maturityB) - issueB));
-  }
-  return Clamp(LeadingTerm(a.productName) - LeadingTerm(b.productName));
-}
-
 bool EndsWithFF(const char* name) {
   const std::size_t n = std::strlen(name);
   return n >= 2 && name[n - 2] == 'F' && name[n - 1] == 'F';
 }
 
+// Which of a BTec pair is the when-issued one ('W...') or the front/front
+// one ('...FF'); 0 if that does not tell them apart.
 int CompareSuffixes(const ProdID& a, const ProdID& b) {
   const bool wa = a.productName[0] == 'W';
   const bool wb = b.productName[0] == 'W';
@@ -212,17 +273,6 @@ int CompareSuffixes(const ProdID& a, const ProdID& b) {
   const bool fb = EndsWithFF(b.productName);
   if (fa != fb) return fa ? -1 : 1;
   return 0;
-}
-
-// One bond key: the numbers' difference, or `fallback` on a BTec pair when
-// either is missing. `decided` is false when the next key must be read.
-int CompareKey(const ProdID& a, const ProdID& b, short tag, bool btec,
-               int (*fallback)(const ProdID&, const ProdID&)) {
-  long long ka = 0, kb = 0;
-  if (ToInteger(ProductTag(a, tag), ka) && ToInteger(ProductTag(b, tag), kb)) {
-    return Clamp(ka - kb);
-  }
-  return btec ? fallback(a, b) : 0;
 }
 
 // --- Series ------------------------------------------------------------------
@@ -279,8 +329,12 @@ int CompareSeriesCore(const SeriesID* a, int strikeA, const SeriesID* b,
     if (a == b) return 0;
     return a == nullptr ? -1 : 1;
   }
-  const int marketA = MarketUtils::GetMarketFromExchange(a->product.exchange);
-  const int marketB = MarketUtils::GetMarketFromExchange(b->product.exchange);
+  const int exchangeA = a->product.exchange;
+  const int exchangeB = b->product.exchange;
+  const int marketA = MarketUtils::GetMarketFromExchange(exchangeA);
+  const int marketB = exchangeB == exchangeA
+                          ? marketA
+                          : MarketUtils::GetMarketFromExchange(exchangeB);
   if (marketA != marketB) return marketA - marketB;  // by number here
   const int type = a->productType();
   if (type != b->productType()) return type - b->productType();
@@ -290,11 +344,11 @@ int CompareSeriesCore(const SeriesID* a, int strikeA, const SeriesID* b,
               : ProductsCompare(a->product, b->product);
   if (r != 0) return r;
 
-  const bool markA = HasLmeMark(*a);
-  const bool markB = HasLmeMark(*b);
-  if ((markA || markB) && marketA == MarketType::LME &&
-      marketB == MarketType::LME && markA != markB) {
-    return markA ? -1 : 1;
+  // Marks are read on LME alone, the only market where they count.
+  if (marketA == MarketType::LME && marketB == MarketType::LME) {
+    const bool markA = HasLmeMark(*a);
+    const bool markB = HasLmeMark(*b);
+    if (markA != markB) return markA ? -1 : 1;
   }
 
   if (!a->IsSpreadOrStrategy()) {
@@ -392,22 +446,34 @@ int ProductsCompare(const ProdID& a, const ProdID& b) {
       a.productType == dv_core_ns::BOND && b.productType == dv_core_ns::BOND;
   // Keys and currencies are read for bonds alone: nothing else has them.
   if (bonds) {
-    const char* currencyA = KeptAnswers::Instance().Product(a).currency;
-    const char* currencyB = KeptAnswers::Instance().Product(b).currency;
-    if (currencyA != nullptr && currencyB != nullptr) {
-      if (const int r = std::strcmp(currencyA, currencyB); r != 0) return r;
+    const ProductFacts& factsA = KeptAnswers::Instance().Product(a);
+    const ProductFacts& factsB = KeptAnswers::Instance().Product(b);
+    if (factsA.currency != nullptr && factsB.currency != nullptr) {
+      if (const int r = std::strcmp(factsA.currency, factsB.currency); r != 0) {
+        return r;
+      }
     }
     // The market from the kept answers; it differs from the core's only for
     // exchange 0, which is not BTec either way.
     const bool btec =
         MarketUtils::GetMarketFromExchange(a.exchange) == MarketType::BTec &&
         MarketUtils::GetMarketFromExchange(b.exchange) == MarketType::BTec;
-    if (int r = CompareKey(a, b, kTagTermKey, btec, &CompareSpans); r != 0) {
-      return r;
+    // The object's own keys, or its record's where it carries none.
+    const BondKeys ka = a.AgileData().empty() ? factsA.keys : ReadBondKeys(&a);
+    const BondKeys kb = b.AgileData().empty() ? factsB.keys : ReadBondKeys(&b);
+    if (ka.hasTerm && kb.hasTerm) {
+      if (ka.term != kb.term) return Clamp(ka.term - kb.term);
+    } else if (btec) {
+      const long long d =
+          ka.hasSpan && kb.hasSpan
+              ? ka.span - kb.span
+              : LeadingTerm(a.productName) - LeadingTerm(b.productName);
+      if (d != 0) return Clamp(d);
     }
-    if (int r = CompareKey(a, b, kTagIssueKey, btec, &CompareSuffixes);
-        r != 0) {
-      return r;
+    if (ka.hasIssue && kb.hasIssue) {
+      if (ka.issue != kb.issue) return Clamp(ka.issue - kb.issue);
+    } else if (btec) {
+      if (const int r = CompareSuffixes(a, b); r != 0) return r;
     }
   }
   if (const int r = CompareNoCase(a.productName, b.productName); r != 0) {
