@@ -14,6 +14,10 @@
 // process, like the name caches they also use: a sort asks the core nothing
 // once every contract has been seen.
 //
+// The order is not strict everywhere: a spread whose legs are unknown
+// compares equal to every spread of its product. Sort with std::stable_sort,
+// which stays within bounds whatever the comparator says.
+//
 // Threads: safe from any thread; the kept answers are shared under a
 // reader-writer lock.
 #ifndef NVSHARED_MARKET_SERIES_COMPARE_H_
