@@ -323,8 +323,11 @@ int ByteCompare(const dv_coreutils_ns::CharPtrWrapper& a,
   return Sign(std::strcmp(a.c_str(), b.c_str()));
 }
 
-int CompareSeriesCore(const SeriesID* a, int strikeA, const SeriesID* b,
-                      int strikeB) {
+// `legA` and `legB` bring the strikes of legs; null means the series' own.
+// The strikes are read only when the order gets to them: a sort touches the
+// fewest lines of memory so.
+int CompareSeriesCore(const SeriesID* a, const Leg* legA, const SeriesID* b,
+                      const Leg* legB) {
   if (a == nullptr || b == nullptr) {
     if (a == b) return 0;
     return a == nullptr ? -1 : 1;
@@ -360,6 +363,8 @@ int CompareSeriesCore(const SeriesID* a, int strikeA, const SeriesID* b,
     }
     if (a->expiry.day != b->expiry.day) return a->expiry.day - b->expiry.day;
 
+    const int strikeA = legA != nullptr ? legA->strike : a->strike;
+    const int strikeB = legB != nullptr ? legB->strike : b->strike;
     const long long divA = a->strikeDivisor;
     const long long divB = b->strikeDivisor;
     if (divA == divB) {
@@ -499,15 +504,13 @@ int ProductsMarketCompare(const ProdID& a, int marketA, const ProdID& b,
 }
 
 int SeriesCompare(const SeriesID* a, const SeriesID* b) {
-  return CompareSeriesCore(a, a != nullptr ? a->strike : 0, b,
-                           b != nullptr ? b->strike : 0);
+  return CompareSeriesCore(a, nullptr, b, nullptr);
 }
 
 int SeriesCompare(const Leg* a, const Leg* b) {
   const SeriesID* sa = a != nullptr ? a->GetSharedSeriesID().get() : nullptr;
   const SeriesID* sb = b != nullptr ? b->GetSharedSeriesID().get() : nullptr;
-  return CompareSeriesCore(sa, a != nullptr ? a->strike : 0, sb,
-                           b != nullptr ? b->strike : 0);
+  return CompareSeriesCore(sa, a, sb, b);
 }
 
 bool SeriesLessThan(const SeriesID& a, const SeriesID& b) {

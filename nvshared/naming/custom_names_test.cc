@@ -88,6 +88,15 @@ TEST_F(RegistryTest, AddTrimsTheNameAndFindsItBothWays) {
   ASSERT_NE(entry, nullptr);
   EXPECT_TRUE(entry->hasExpiration);
   EXPECT_EQ(entry->expiration, dv_core_ns::Date(0, 3, 2014));
+
+  // The day of an outright's expiry is never checked: day 40 is kept as it
+  // is, on purpose.
+  SeriesID odd = Nq();
+  odd.expiry = dv_core_ns::Date(40, 2, 2014);
+  ASSERT_TRUE(Formatter().AddCustomSeriesName(odd, "Odd day"));
+  ASSERT_NE(Peer::Entry(odd), nullptr);
+  EXPECT_TRUE(Peer::Entry(odd)->hasExpiration);
+  EXPECT_EQ(Peer::Entry(odd)->expiration, dv_core_ns::Date(40, 2, 2014));
 }
 
 TEST_F(RegistryTest, FlavoursAndLiffeKeysShareOneEntry) {

@@ -125,6 +125,10 @@ void SeriesNameFormatter::SetSeriesNameEnabled(bool enable) {
 bool SeriesNameFormatter::IsSeriesNameEnabled(int exchangeId) const {
   dv_core_ns::AEnum_ExchIds id(exchangeId);
   MakeUnflavoredExchangeID(id);
+  if (id >= 0 && id < kFastExchangeIds) {
+    return seriesNameFast_[static_cast<std::size_t>(static_cast<int>(id))].load(
+        std::memory_order_relaxed);
+  }
   std::lock_guard<std::recursive_mutex> guard(lock_);
   return seriesNameExchanges_.count(id) != 0;
 }
@@ -137,6 +141,10 @@ void SeriesNameFormatter::SetSeriesNameEnabled(int exchangeId, bool enable) {
     std::lock_guard<std::recursive_mutex> guard(lock_);
     changed = enable ? seriesNameExchanges_.insert(id).second
                      : seriesNameExchanges_.erase(id) != 0;
+    if (id >= 0 && id < kFastExchangeIds) {
+      seriesNameFast_[static_cast<std::size_t>(static_cast<int>(id))].store(
+          enable, std::memory_order_relaxed);
+    }
   }
   if (changed) NotifySeriesNameUpdate(UpdateHint(id));
 }

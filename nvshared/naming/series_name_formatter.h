@@ -28,6 +28,8 @@
 #ifndef NVSHARED_NAMING_SERIES_NAME_FORMATTER_H_
 #define NVSHARED_NAMING_SERIES_NAME_FORMATTER_H_
 
+#include <array>
+#include <atomic>
 #include <ctime>
 #include <functional>
 #include <map>
@@ -346,6 +348,10 @@ class NVSHARED_API SeriesNameFormatter {
   mutable std::recursive_mutex lock_;
   // Exchanges whose series names are shown, always unflavoured ids.
   std::set<int> seriesNameExchanges_;
+  // The same for ids below kFastExchangeIds, read without the lock: sort
+  // comparators ask for every pair of series alike in all else.
+  static constexpr int kFastExchangeIds = 1024;
+  std::array<std::atomic<bool>, kFastExchangeIds> seriesNameFast_{};
   // For contract names in log lines, and for the old custom name in them.
   FormatContractConfig logConfig_;
   FormatContractConfig customConfig_;
