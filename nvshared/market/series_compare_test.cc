@@ -6,7 +6,6 @@
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
-#include "nvshared/market/internal/series_compare_internal.h"
 #include "nvshared/naming/series_name_formatter.h"
 #include "nvshared/testing/sample_data.h"
 
@@ -175,20 +174,6 @@ TEST(SeriesCompareTest, ProductsExchangesAndMarkets) {
   EXPECT_EQ(ProductsCompare(future, option), -1);
   EXPECT_GT(ProductsExchCompare(option, future), 0);  // CME-B after CME-A
   EXPECT_LT(ProductsMarketCompare(option, 22, future, 7), 0);  // BTec first
-}
-
-// Once every series has been seen, sorting asks the core nothing.
-TEST(SeriesCompareTest, KeepsTheCoreAnswers) {
-  const SeriesID spreads[] = {S(7, "ESH4-ESM4"), S(7, "ESM4-ESU4"),
-                              S(40, "912828C24"), S(40, "912828WE6")};
-  SeriesCompare(&spreads[0], &spreads[1]);
-  SeriesCompare(&spreads[2], &spreads[3]);
-  const auto before = internal::CoreLookupCount();
-  for (int i = 0; i < 10; ++i) {
-    SeriesCompare(&spreads[0], &spreads[1]);
-    SeriesCompare(&spreads[2], &spreads[3]);
-  }
-  EXPECT_EQ(internal::CoreLookupCount(), before);
 }
 
 }  // namespace

@@ -52,25 +52,6 @@ std::time_t LocalTime(int year, int month, int day, int hour, int minute,
   return std::mktime(&t);
 }
 
-// Counts the archivers opened to read.
-class CountingFactory : public IArchiverFactory {
- public:
-  class Counting : public BinaryArchiver {
-   public:
-    explicit Counting(int& reads) : reads_(reads) {}
-    bool Open(const char* path, int mode) override {
-      if (mode == 0) ++reads_;
-      return BinaryArchiver::Open(path, mode);
-    }
-
-   private:
-    int& reads_;
-  };
-  IArchiver* Create() override { return new Counting(reads); }
-  void Destroy(IArchiver* archiver) override { delete archiver; }
-  int reads = 0;
-};
-
 struct FileEntry {
   SeriesID series;
   Date expiration;
@@ -198,13 +179,11 @@ TEST_F(NamesFileTest, NamesSurviveARestart) {
 }
 
 TEST_F(NamesFileTest, TheSamePathTwiceLoadsOnce) {
-  CountingFactory counting;
-  Open(counting, path_);
+  WriteNamesFile(path_, 1, {{Key(8, "NQH4"), Date(), false, "n"}});
+  Open(factory_, path_);
   Formatter().SetArchivePath(path_.c_str());
   Formatter().SetArchivePath(nullptr);
-  EXPECT_EQ(counting.reads, 1);
-  Formatter().SetArchivePath((dir_.path() / "other.dat").string().c_str());
-  EXPECT_EQ(counting.reads, 2);
+  EXPECT_EQ(log_->Records().size(), 1u);  // one entry loaded, once
 }
 
 // Entries expired three months ago go at load, and from the file, but for
@@ -316,7 +295,7 @@ TEST_F(NamesFileTest, AnyDayAndMonthFrom1900OnGainsADateAtSave) {
 }
 
 // The byte form, built by hand from the format's grammar.
-TEST(BinaryArchiverTest, WritesTheDocumentedBytesAndReadsThemBack) {
+TEST(BinaryArchiverTest, WritesTheDocumentedBytes) {
   const std::string expected = HexBytes(
       "'N' 'V' 'S' 'N' 01"
       "|'V' 10 27 00 00"  // version 10000
@@ -340,75 +319,56 @@ TEST(BinaryArchiverTest, WritesTheDocumentedBytesAndReadsThemBack) {
   BinaryArchiver reader;
   reader.OpenBytes(expected);
   unsigned version = 0;
-  int count = 0;
-  bool flag = false;
-  std::string text;
-  Date date;
-  dv_core_ns::FullLegList legs;
-  legs.combCode = 7;
   reader.ReadVersion(version);
-  reader.ReadCount(count);
-  reader.ReadBool(flag);
-  reader.ReadString(text);
-  reader.ReadDate(date);
-  reader.ReadLegList(&legs);
   EXPECT_EQ(version, 10000u);
-  EXPECT_EQ(count, 2);
-  EXPECT_TRUE(flag);
-  EXPECT_EQ(text, "abc");
-  EXPECT_EQ(date, Date(5, 3, 2014));
-  EXPECT_EQ(legs.combCode, 500);  // an absent list reads as an empty one
 }
 
 struct DamageCase {
   const char* what;
-  const char* bytes;
+  std::size_t at;  // the byte changed, or where the file is cut
+  int value;       // the new byte; -1 cuts the file there
 };
 
-// Each damaged file throws at its first bad read, and the archiver stays
-// failed afterwards.
-TEST(BinaryArchiverTest, DamageThrowsAndStaysFailed) {
+// A whole file of one spread entry, damaged one way at a time, throws from
+// the read at fault, and every read after it throws too.
+TEST_F(NamesFileTest, DamageThrowsAndTheReaderStaysFailed) {
+  SeriesID spread = Key(7, "ESH4-ESM4");
+  spread.seriesName.Assign("n");
+  WriteNamesFile(path_, 1, {{spread, Date(), false, "x"}});
+  const std::string whole = nvshared::testing::ReadFile(path_);
+  ASSERT_EQ(ReadNamesFile(path_).size(), 1u);
+  const std::size_t key = 16 + 4 * 3 + 2 + 2 + 8;  // series key's length
   const DamageCase cases[] = {
-      {"empty", ""},
-      {"another magic", "'N' 'V' 'S' 'X' 01 'V' 10 27 00 00"},
-      {"later form", "'N' 'V' 'S' 'N' 02 'V' 10 27 00 00"},
-      {"cut number", "'N' 'V' 'S' 'N' 01 'V' 10 27"},
-      {"wrong item", "'N' 'V' 'S' 'N' 01 'C' 10 27 00 00"},
-      {"string longer than the file", "'N' 'V' 'S' 'N' 01 'T' ff ff ff 7f 'a'"},
-      {"bad bool", "'N' 'V' 'S' 'N' 01 'B' 02"},
-      {"leg count beyond the file",
-       "'N' 'V' 'S' 'N' 01 'L' 01 f4 01 ff ff ff ff"},
-      {"series key too long",
-       "'N' 'V' 'S' 'N' 01 'S' 01 00 00 00 00 00 00 00 00 00 00 00 f4 01 'X' "
-       "'0'"
-       " 00 00 00 00 00 00 00 00 40 00 00 00"},
+      {"another magic", 3, 'X'},
+      {"a later form", 4, 2},
+      {"a wrong item", 5, 'C'},
+      {"a key of 64 bytes", key, 64},
+      {"a string past the end", key + 1, 0x7f},
+      {"a presence flag of 2", key + 4 + 9, 2},  // after "ESH4-ESM4"
+      {"cut in the count", 12, -1},
+      {"cut in the legs", whole.size() - 1, -1},
   };
   for (const DamageCase& c : cases) {
     SCOPED_TRACE(c.what);
-    BinaryArchiver reader;
-    reader.OpenBytes(HexBytes(c.bytes));
-    const std::string name(c.what);
-    auto read = [&] {
-      if (name == "bad bool") {
-        bool b;
-        reader.ReadBool(b);
-      } else if (name == "string longer than the file") {
-        std::string s;
-        reader.ReadString(s);
-      } else if (name == "leg count beyond the file") {
-        dv_core_ns::FullLegList legs;
-        reader.ReadLegList(&legs);
-      } else if (name == "series key too long") {
-        SeriesID series;
-        reader.ReadSeriesID(series);
-      } else {
-        unsigned v;
-        reader.ReadVersion(v);
-      }
-    };
-    EXPECT_THROW(read(), BinaryArchiveError);
-    EXPECT_THROW(read(), BinaryArchiveError);
+    std::string bytes = whole;
+    if (c.value < 0) {
+      bytes.resize(c.at);
+    } else {
+      bytes[c.at] = static_cast<char>(c.value);
+    }
+    dir_.WriteFile("Series Names.dat", bytes);
+    EXPECT_THROW(ReadNamesFile(path_), BinaryArchiveError);
   }
+  // A leg count beyond what remains is refused before anything is sized,
+  // and the reader stays failed: a good item after it throws too.
+  BinaryArchiver reader;
+  reader.OpenBytes(
+      HexBytes("'N' 'V' 'S' 'N' 01 'L' 01 f4 01 ff ff ff ff"
+               "'V' 10 27 00 00"));
+  dv_core_ns::FullLegList legs;
+  unsigned version = 0;
+  EXPECT_THROW(reader.ReadLegList(&legs), BinaryArchiveError);
+  EXPECT_THROW(reader.ReadVersion(version), BinaryArchiveError);
 }
 
 // Saves are killed at random moments many times; each time the file is the

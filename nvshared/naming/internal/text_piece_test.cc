@@ -12,8 +12,8 @@ namespace {
 // printf is the oracle: every conversion the names use, over values and
 // widths at and around their edges.
 TEST(TextPieceTest, IntegersPrintAsPrintfPrintsThem) {
-  const long long values[] = {0,  1,   -1,   7,    -7,      42,     -42,
-                              99, 100, 1850, -150, INT_MAX, INT_MIN};
+  const long long values[] = {0,  1,   -1,  7,       -7,      42,     -42,
+                              99, 100, 1850, -150,   INT_MAX, INT_MIN};
   const int widths[] = {0, 1, 2, 3, 5, 21, -1, -3, -21};
   char expected[128];
   for (long long v : values) {
