@@ -305,24 +305,21 @@ TEST_F(RegistryTest, PromptOffersANameHeldByAnotherContract) {
         asked.push_back(title + "|" + message);
         return answer;
       });
-  EXPECT_FALSE(Formatter().AddOrChangeCustomSeriesName(
-      Es(), "Mine", "T", "%1 is %2's; give it to %3?", "unused", false,
-      nullptr));
-  EXPECT_TRUE(asked.empty());
-  EXPECT_FALSE(Formatter().AddOrChangeCustomSeriesName(
-      Es(), "Mine", "T", "%1 is %2's; give it to %3?", "unused", true,
-      nullptr));
+  auto offer = [](const char* name, bool prompt) {
+    return Formatter().AddOrChangeCustomSeriesName(
+        Es(), name, "T", "%1 is %2's; give it to %3?", "%1: %2, not %3 of %4%%",
+        prompt, nullptr);
+  };
+  EXPECT_FALSE(offer("Mine", false));  // no prompt, no question
+  EXPECT_FALSE(offer("Mine", true));
   answer = true;
-  EXPECT_TRUE(Formatter().AddOrChangeCustomSeriesName(
-      Es(), "Mine", "T", "%1 is %2's; give it to %3?", "unused", true,
-      nullptr));
-  EXPECT_STREQ(Formatter().GetCustomName(Es()), "Mine");
+  EXPECT_TRUE(offer("Mine", true));
   EXPECT_EQ(Formatter().GetCustomName(Nq()), nullptr);
   // Now Es() has a name: the text with the old name is used.
   ASSERT_TRUE(Formatter().AddCustomSeriesName(Nq(), "Other"));
   answer = false;
-  EXPECT_FALSE(Formatter().AddOrChangeCustomSeriesName(
-      Es(), "Other", "T", "unused", "%1: %2, not %3 of %4%%", true, nullptr));
+  EXPECT_FALSE(offer("Other", true));
+  EXPECT_STREQ(Formatter().GetCustomName(Es()), "Mine");
   // The holder is named from its stored key (plain CME, which lists no
   // alias of ES), this contract from the series as given.
   const std::string es = "CME E-mini S&P 500 Mar14";

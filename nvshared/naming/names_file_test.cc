@@ -386,7 +386,7 @@ TEST_F(NamesFileTest, AKilledSaveLeavesTheOldOrTheNewFileWhole) {
   };
   save(0);
   std::mt19937 random(12345);
-  int killedMidway = 0;
+  int replaced = 0;
   for (int round = 0; round < 40; ++round) {
     const std::string before = nvshared::testing::ReadFile(path_);
     const pid_t child = fork();
@@ -400,7 +400,7 @@ TEST_F(NamesFileTest, AKilledSaveLeavesTheOldOrTheNewFileWhole) {
     int status = 0;
     ::waitpid(child, &status, 0);
     const std::string after = nvshared::testing::ReadFile(path_);
-    if (after != before) ++killedMidway;
+    if (after != before) ++replaced;
     std::vector<FileEntry> entries;
     ASSERT_NO_THROW(entries = ReadNamesFile(path_)) << "round " << round;
     ASSERT_FALSE(entries.empty());
@@ -411,7 +411,7 @@ TEST_F(NamesFileTest, AKilledSaveLeavesTheOldOrTheNewFileWhole) {
       EXPECT_EQ(e.name.substr(0, e.name.find('-')), generation);
     }
   }
-  EXPECT_GT(killedMidway, 0);
+  EXPECT_GT(replaced, 0);
 }
 
 }  // namespace
