@@ -434,7 +434,9 @@ int ExchangeCompare(int a, int b) {
   if (a == b) return 0;
   const char* nameA = nv_fmt::GetExchangeName(a, true);
   const char* nameB = nv_fmt::GetExchangeName(b, true);
-  if (nameA == nullptr || nameB == nullptr) return a - b;
+  if (nameA == nullptr || nameB == nullptr) {
+    return Clamp(static_cast<long long>(a) - b);
+  }
   return CompareNoCase(nameA, nameB);
 }
 
@@ -442,7 +444,9 @@ int MarketCompare(int a, int b) {
   if (a == b) return 0;
   const std::string& nameA = MarketUtilsInternal::MarketName(a);
   const std::string& nameB = MarketUtilsInternal::MarketName(b);
-  if (nameA.empty() || nameB.empty()) return a - b;
+  if (nameA.empty() || nameB.empty()) {
+    return Clamp(static_cast<long long>(a) - b);
+  }
   return CompareNoCase(nameA.c_str(), nameB.c_str());
 }
 
