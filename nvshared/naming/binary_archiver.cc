@@ -313,23 +313,23 @@ void BinaryArchiver::WriteCount(std::size_t count) {
                        static_cast<std::int32_t>(std::min(count, max)));
 }
 
-// Each read runs through this: a failed archiver stays failed, and a damaged
+// Each read runs through here: a failed archiver stays failed, and a damaged
 // item marks it failed before the error leaves.
-#define NVSHARED_ARCHIVE_READ(body)                                 \
-  do {                                                              \
-    Cursor cursor(buffer_, pos_);                                   \
-    if (!open_ || storing_) cursor.Fail("not open to read");        \
-    if (failed_) cursor.Fail("not a series names file or damaged"); \
-    try {                                                           \
-      body                                                          \
-    } catch (...) {                                                 \
-      failed_ = true;                                               \
-      throw;                                                        \
-    }                                                               \
-  } while (false)
+template <typename Body>
+void BinaryArchiver::Read(Body&& body) {
+  Cursor cursor(buffer_, pos_);
+  if (!open_ || storing_) cursor.Fail("not open to read");
+  if (failed_) cursor.Fail("not a series names file, or damaged");
+  try {
+    body(cursor);
+  } catch (...) {
+    failed_ = true;
+    throw;
+  }
+}
 
 void BinaryArchiver::ReadBool(bool& value) {
-  NVSHARED_ARCHIVE_READ({
+  Read([&](Cursor& cursor) {
     cursor.Tag('B');
     const std::uint8_t byte = cursor.Int<std::uint8_t>("bool");
     if (byte > 1) cursor.Fail("bad bool");
@@ -338,14 +338,14 @@ void BinaryArchiver::ReadBool(bool& value) {
 }
 
 void BinaryArchiver::ReadString(std::string& value) {
-  NVSHARED_ARCHIVE_READ({
+  Read([&](Cursor& cursor) {
     cursor.Tag('T');
     value = cursor.Text("string");
   });
 }
 
 void BinaryArchiver::ReadLegList(FullLegList* legs) {
-  NVSHARED_ARCHIVE_READ({
+  Read([&](Cursor& cursor) {
     if (legs == nullptr) cursor.Fail("no leg list to read into");
     cursor.Tag('L');
     const std::uint8_t present = cursor.Int<std::uint8_t>("leg list");
@@ -370,34 +370,32 @@ void BinaryArchiver::ReadLegList(FullLegList* legs) {
 }
 
 void BinaryArchiver::ReadDate(Date& date) {
-  NVSHARED_ARCHIVE_READ({
+  Read([&](Cursor& cursor) {
     cursor.Tag('D');
     date = cursor.ReadDate();
   });
 }
 
 void BinaryArchiver::ReadSeriesID(SeriesID& series) {
-  NVSHARED_ARCHIVE_READ({
+  Read([&](Cursor& cursor) {
     cursor.Tag('S');
     cursor.Series(series);
   });
 }
 
 void BinaryArchiver::ReadVersion(unsigned& version) {
-  NVSHARED_ARCHIVE_READ({
+  Read([&](Cursor& cursor) {
     cursor.Tag('V');
     version = cursor.Int<std::uint32_t>("version");
   });
 }
 
 void BinaryArchiver::ReadCount(int& count) {
-  NVSHARED_ARCHIVE_READ({
+  Read([&](Cursor& cursor) {
     cursor.Tag('C');
     count = cursor.Int<std::int32_t>("count");
   });
 }
-
-#undef NVSHARED_ARCHIVE_READ
 
 IArchiver* BinaryArchiverFactory::Create() { return new BinaryArchiver(); }
 

@@ -72,6 +72,9 @@ class NVSHARED_API BinaryArchiver : public IArchiver {
   bool IsStoring() const override { return storing_; }
 
  private:
+  template <typename Body>
+  void Read(Body&& body);
+
   std::string path_;
   std::string buffer_;
   std::size_t pos_ = 0;
