@@ -71,6 +71,7 @@ std::string SeriesNameFormatter::LogText(
 // --- Observers --------------------------------------------------------------
 
 bool SeriesNameFormatter::Attach(SeriesNameFormatterObserver* observer) {
+  if (observer == nullptr) return false;  // nothing to call
   Guard guard(lock_);
   if (observers_->count(observer) != 0) return false;
   observers_->emplace(observer,

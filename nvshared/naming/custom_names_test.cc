@@ -196,6 +196,7 @@ TEST_F(RegistryTest, ChangeAndRemoveLogAndNotify) {
   RecordingObserver observer;
   ASSERT_TRUE(Formatter().Attach(&observer));
   EXPECT_FALSE(Formatter().Attach(&observer));
+  EXPECT_FALSE(Formatter().Attach(nullptr));
   ASSERT_TRUE(Formatter().AddCustomSeriesName(Es(), "One"));
   ASSERT_TRUE(Formatter().ChangeCustomSeriesName(Es(), "Two"));
   EXPECT_EQ(Formatter().GetSeries("One"), nullptr);

@@ -93,7 +93,7 @@ class NVSHARED_API SeriesNameFormatter {
 
   // --- Observers --------------------------------------------------------
 
-  // False if the observer is attached already.
+  // False for null and for an observer that is attached already.
   bool Attach(SeriesNameFormatterObserver* observer);
   // False if it was not attached. Once Detach returns, no call into the
   // observer is running on any thread, and none will start.
