@@ -12,11 +12,15 @@
 #include "nvshared/market/exchange_names.h"
 #include "nvshared/market/market_types.h"
 #include "nvshared/market/market_utils.h"
+#include "nvshared/market/series_compare.h"
 
 // Contract names.
+#include "nvshared/naming/archiver.h"
+#include "nvshared/naming/binary_archiver.h"
 #include "nvshared/naming/format_contract_config.h"
 #include "nvshared/naming/formatted_name_data.h"
 #include "nvshared/naming/series_name_formatter.h"
+#include "nvshared/naming/update_hint.h"
 
 // Application services.
 #include "nvshared/app/app_string_loader.h"

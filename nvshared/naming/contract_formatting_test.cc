@@ -6,35 +6,11 @@
 #include <boost/make_shared.hpp>
 #include <gtest/gtest.h>
 
+#include "nvshared/naming/internal/formatter_peer.h"
 #include "nvshared/naming/series_name_formatter.h"
 #include "nvshared/testing/sample_data.h"
 
 namespace nv_fmt {
-
-// Puts entries into the registry, which has no public way in yet.
-class SeriesNameFormatterPeer {
- public:
-  static void AddName(const dv_core_ns::SeriesID& series,
-                      const std::string& name) {
-    SeriesNameFormatter& f = SeriesNameFormatter::Instance();
-    dv_core_ns::SeriesID key(series);
-    SeriesNameFormatter::MakeUnflavoredSeriesID(key);
-    FormattedNameData entry(key);
-    entry.name = name;
-    f.entries_.insert_or_assign(key, entry);
-    f.names_.insert_or_assign(name, key);
-  }
-  static std::string DefaultName(const dv_core_ns::SeriesID& series,
-                                 const dv_core_ns::FullLegList* legs) {
-    std::string out;
-    SeriesNameFormatter::Instance().GetDefaultName(series, legs, out, true);
-    return out;
-  }
-  static void Clear() {
-    SeriesNameFormatter::Instance().entries_.clear();
-    SeriesNameFormatter::Instance().names_.clear();
-  }
-};
 
 namespace {
 

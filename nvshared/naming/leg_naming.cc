@@ -1,7 +1,10 @@
 // Names of leg lists, and the conversions and comparisons around legs:
 // expanding nested spreads, unflavouring exchanges, equivalence across
 // flavours.
+#include <array>
+#include <atomic>
 #include <cctype>
+#include <limits>
 #include <map>
 #include <memory>
 #include <shared_mutex>
@@ -44,9 +47,19 @@ void AppendInnerLegs(const SeriesID& series, int outerRatio,
   }
 }
 
-// The cache of MakeUnflavoredExchangeID. Readers share the lock; a miss is
-// resolved outside it and then stored.
+// The cache of MakeUnflavoredExchangeID. Ids below kDirectIds (all that
+// exchange tables use) are answered from an array of atomics without a lock,
+// since every look-up of a name asks; others from a map whose readers share
+// the lock. A miss is resolved outside any lock and then stored; two threads
+// that miss together store the same answer.
+constexpr int kDirectIds = 1024;
+constexpr int kNotCached = std::numeric_limits<int>::min();
+
 struct UnflavoredCache {
+  UnflavoredCache() {
+    for (auto& cell : direct) cell.store(kNotCached);
+  }
+  std::array<std::atomic<int>, kDirectIds> direct;
   std::shared_mutex lock;
   std::map<int, int> ids;
 };
@@ -249,7 +262,15 @@ void SeriesNameFormatter::SplitLegsForSpreadOrStrategy(const Leg& leg,
 void SeriesNameFormatter::MakeUnflavoredExchangeID(AEnum_ExchIds& id) {
   UnflavoredCache& cache = Cache();
   const int key = id;
-  {
+  const bool direct = key >= 0 && key < kDirectIds;
+  if (direct) {
+    const int cached = cache.direct[static_cast<std::size_t>(key)].load(
+        std::memory_order_relaxed);
+    if (cached != kNotCached) {
+      id = cached;
+      return;
+    }
+  } else {
     std::shared_lock<std::shared_mutex> reader(cache.lock);
     const auto it = cache.ids.find(key);
     if (it != cache.ids.end()) {
@@ -263,7 +284,10 @@ void SeriesNameFormatter::MakeUnflavoredExchangeID(AEnum_ExchIds& id) {
     result = dv_core_ns::CDVConsumer::GetExchangeId(
         nv_ns::MarketUtilsInternal::MarketName(market).c_str());
   }
-  {
+  if (direct) {
+    cache.direct[static_cast<std::size_t>(key)].store(
+        result, std::memory_order_relaxed);
+  } else {
     std::unique_lock<std::shared_mutex> writer(cache.lock);
     cache.ids.emplace(key, result);
   }

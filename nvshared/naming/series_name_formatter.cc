@@ -89,19 +89,31 @@ bool SeriesKeyEqual::operator()(const dv_core_ns::SeriesID& a,
 // --- The singleton ----------------------------------------------------------
 
 SeriesNameFormatter& SeriesNameFormatter::Instance() {
-  // A function-local static: built once even when the first calls race.
-  static SeriesNameFormatter instance;
-  return instance;
+  // Built once even when the first calls race, and never freed: names may
+  // be asked for while the process exits, from another static's destructor.
+  static SeriesNameFormatter* const instance = new SeriesNameFormatter();
+  // Observers still hear at exit that the formatter ends, at the moment a
+  // destroyed singleton's destructor would have run.
+  struct ExitNotice {
+    ~ExitNotice() { instance->NotifyDestroy(); }
+  };
+  static ExitNotice notice;
+  return *instance;
 }
 
 bool SeriesNameFormatter::HasInstance() { return g_has_instance.load(); }
 
 SeriesNameFormatter::SeriesNameFormatter()
-    : logConfig_(MakeLogConfig(false)), customConfig_(MakeLogConfig(true)) {
+    : observers_(
+          std::make_unique<
+              std::map<SeriesNameFormatterObserver*,
+                       boost::shared_ptr<SeriesNameFormatterObserverData>>>()),
+      logConfig_(MakeLogConfig(false)),
+      customConfig_(MakeLogConfig(true)) {
   g_has_instance.store(true);
 }
 
-SeriesNameFormatter::~SeriesNameFormatter() = default;
+SeriesNameFormatter::~SeriesNameFormatter() { NotifyDestroy(); }
 
 bool SeriesNameFormatter::IsSeriesNameEnabled() const {
   std::lock_guard<std::recursive_mutex> guard(lock_);
@@ -109,13 +121,21 @@ bool SeriesNameFormatter::IsSeriesNameEnabled() const {
 }
 
 void SeriesNameFormatter::SetSeriesNameEnabled(bool enable) {
-  std::lock_guard<std::recursive_mutex> guard(lock_);
-  seriesNameEnabled_ = enable;
+  {
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    if (seriesNameEnabled_ == enable) return;
+    seriesNameEnabled_ = enable;
+  }
+  NotifySeriesNameUpdate(UpdateHint());
 }
 
 bool SeriesNameFormatter::IsSeriesNameEnabled(int exchangeId) const {
   dv_core_ns::AEnum_ExchIds id(exchangeId);
   MakeUnflavoredExchangeID(id);
+  if (id >= 0 && id < kFastExchangeIds) {
+    return seriesNameFast_[static_cast<std::size_t>(static_cast<int>(id))].load(
+        std::memory_order_relaxed);
+  }
   std::lock_guard<std::recursive_mutex> guard(lock_);
   return seriesNameExchanges_.count(id) != 0;
 }
@@ -123,12 +143,17 @@ bool SeriesNameFormatter::IsSeriesNameEnabled(int exchangeId) const {
 void SeriesNameFormatter::SetSeriesNameEnabled(int exchangeId, bool enable) {
   dv_core_ns::AEnum_ExchIds id(exchangeId);
   MakeUnflavoredExchangeID(id);
-  std::lock_guard<std::recursive_mutex> guard(lock_);
-  if (enable) {
-    seriesNameExchanges_.insert(id);
-  } else {
-    seriesNameExchanges_.erase(id);
+  bool changed = false;
+  {
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    changed = enable ? seriesNameExchanges_.insert(id).second
+                     : seriesNameExchanges_.erase(id) != 0;
+    if (id >= 0 && id < kFastExchangeIds) {
+      seriesNameFast_[static_cast<std::size_t>(static_cast<int>(id))].store(
+          enable, std::memory_order_relaxed);
+    }
   }
+  if (changed) NotifySeriesNameUpdate(UpdateHint(id));
 }
 
 bool SeriesNameFormatter::IsProductNameEnabled() const {
@@ -137,8 +162,12 @@ bool SeriesNameFormatter::IsProductNameEnabled() const {
 }
 
 void SeriesNameFormatter::SetProductNameEnabled(bool enable) {
-  std::lock_guard<std::recursive_mutex> guard(lock_);
-  productNameEnabled_ = enable;
+  {
+    std::lock_guard<std::recursive_mutex> guard(lock_);
+    if (productNameEnabled_ == enable) return;
+    productNameEnabled_ = enable;
+  }
+  NotifySeriesNameUpdate(UpdateHint());
 }
 
 const char* SeriesNameFormatter::GetCustomName(

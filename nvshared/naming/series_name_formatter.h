@@ -9,22 +9,44 @@
 // products' codes are shown, and the user's custom names, which replace a
 // contract's formatted name where the config asks for them.
 //
+// Custom names are trimmed of the white space of the process's multibyte
+// encoding (LC_CTYPE), walked character by character; while the process runs
+// in the plain "C" locale the text is taken as UTF-8 and Unicode white space
+// (U+00A0, U+3000, ...) is trimmed too.
+//
+// The names file: the host sets an archiver factory, then a path, which
+// loads the file at once; every change rewrites it whole. Observers hear of
+// every change (update_hint.h).
+//
 // Threads: formatting is safe from any thread. It takes the formatter lock
 // only to read one switch at a time, never across a reference-data lookup.
-// The custom-name lookup takes no lock: the registry is written from one
-// thread, the user's.
+// Add, Change, Remove and GetCustomName take no lock over the tables: the
+// registry is written from one thread, the user's. The other readers of the
+// tables, Attach, Detach and the switches take the formatter lock; observers
+// are called with their own lock held and, but for entries loaded from the
+// file, without the formatter lock.
 #ifndef NVSHARED_NAMING_SERIES_NAME_FORMATTER_H_
 #define NVSHARED_NAMING_SERIES_NAME_FORMATTER_H_
 
+#include <array>
+#include <atomic>
+#include <ctime>
+#include <functional>
+#include <map>
+#include <memory>
 #include <mutex>
 #include <set>
 #include <string>
 #include <unordered_map>
 #include <vector>
 
+#include <boost/shared_ptr.hpp>
+
 #include "nvshared/export.h"
+#include "nvshared/naming/archiver.h"
 #include "nvshared/naming/format_contract_config.h"
 #include "nvshared/naming/formatted_name_data.h"
+#include "nvshared/naming/update_hint.h"
 #include "nvshared/platform/core/agile_enums.h"
 #include "nvshared/platform/core/date_time.h"
 #include "nvshared/platform/core/ids.h"
@@ -33,6 +55,16 @@
 namespace nv_fmt {
 
 class SeriesNameFormatterPeer;
+struct SeriesNameFormatterObserverData;
+
+// The handle of the window a prompt belongs to; opaque to the library.
+using HWND = void*;
+
+// The host's yes/no question: shows `message` under `title`, with `parent`
+// as the owning window, and returns true for yes. It must not throw; an
+// exception counts as no.
+using SeriesNamePromptCallback = std::function<bool(
+    HWND parent, const std::string& title, const std::string& message)>;
 
 class NVSHARED_API SeriesNameFormatter {
  public:
@@ -59,10 +91,87 @@ class NVSHARED_API SeriesNameFormatter {
   bool IsProductNameEnabled() const;
   void SetProductNameEnabled(bool enable);
 
+  // --- Observers --------------------------------------------------------
+
+  // False for null and for an observer that is attached already.
+  bool Attach(SeriesNameFormatterObserver* observer);
+  // False if it was not attached. Once Detach returns, no call into the
+  // observer is running on any thread, and none will start.
+  bool Detach(SeriesNameFormatterObserver* observer);
+
+  // --- Custom names -----------------------------------------------------
+  // Names are trimmed first. Each refusal returns false and logs one line.
+
+  // The version written at the head of the names file.
+  static const unsigned CURRENT_VERSION;
+
+  // Gives the series a name; false if the name is blank, the series has a
+  // name or another series has this one.
+  bool AddCustomSeriesName(const dv_core_ns::SeriesID& series,
+                           const char* name);
+  // Renames a series that has a name. Refused when any series (this one
+  // included) already has the new name.
+  bool ChangeCustomSeriesName(const dv_core_ns::SeriesID& series,
+                              const char* name);
+  // Add, else Change. With `prompt`, a name that another series holds is
+  // offered to the user through the prompt callback (`title`, `text` and
+  // `textWithOldName` as in PromptToReplaceUserName), and taken on yes.
+  bool AddOrChangeCustomSeriesName(const dv_core_ns::SeriesID& series,
+                                   const char* name, const char* title,
+                                   const char* text,
+                                   const char* textWithOldName, bool prompt,
+                                   HWND parent);
+  bool RemoveCustomSeriesName(const dv_core_ns::SeriesID& series);
+  bool RemoveCustomSeriesName(const char* name);
+  // Removes every name, one by one, each saved, notified and logged.
+  void RemoveAllCustomSeriesNames();
+
   // The user's name for the series (or for the same series of another
   // flavour of its exchange); null if it has none. Valid until that name
   // is changed or removed.
   const char* GetCustomName(const dv_core_ns::SeriesID& series) const;
+  // The series that holds the name; null if none. Valid until that entry
+  // changes.
+  const dv_core_ns::SeriesID* GetSeries(const char* name) const;
+  // The legs of the spread or strategy that holds the name; null for an
+  // outright or an unknown name. Valid until that entry changes.
+  const dv_core_ns::FullLegList* GetLegList(const char* name) const;
+  // The name, without custom names, of the series that holds `name`.
+  bool GetDefaultName(const char* name, std::string& out, bool flavored) const;
+  // All pairs; those of an exchange (flavours included); of a product; of a
+  // product type. True if the vector is not empty.
+  bool GetCustomSeriesNames(SeriesNameAssocVector& out) const;
+  bool GetCustomSeriesNames(int exchangeId, SeriesNameAssocVector& out) const;
+  bool GetCustomSeriesNames(const dv_core_ns::ProdID& product,
+                            SeriesNameAssocVector& out) const;
+  bool GetCustomSeriesNames(const dv_core_ns::AEnum_ProdIDs& productType,
+                            SeriesNameAssocVector& out) const;
+  // True if the product has a price table.
+  static bool IsProductAvailable(const dv_core_ns::ProdID& product);
+  // False for null or for a name that trims to nothing.
+  static bool IsValidName(const char* name);
+  static bool IsValidName(const std::string& name);
+
+  // --- The names file ---------------------------------------------------
+
+  // Stores the factory; call it before SetArchivePath.
+  void SetArchiverFactory(IArchiverFactory& factory);
+  // Null or the present path does nothing; otherwise the names in memory
+  // are dropped and the file at `path` is loaded.
+  void SetArchivePath(const char* path);
+  // Where the prompt of AddOrChangeCustomSeriesName goes; without one the
+  // answer is no.
+  void SetPromptCallback(SeriesNamePromptCallback callback);
+  // Whether a date kept `months` past it (at most 12) lies in the past.
+  bool isDateExpired(const dv_core_ns::Date& date, int months) const;
+  // Asks whether `name`, held by another series, should pass to `series`.
+  // `text` (inserts %1 name, %2 holder, %3 this series) serves when the
+  // series has no name or `ignoreOldName` is set, else `textWithOldName`
+  // (%3 the series' present name, %4 this series).
+  bool PromptToReplaceUserName(const dv_core_ns::SeriesID& series,
+                               const char* name, const char* title,
+                               const char* text, const char* textWithOldName,
+                               HWND parent, bool ignoreOldName);
 
   // --- Contract names ---------------------------------------------------
   // Each clears `out` first and returns true on success.
@@ -164,9 +273,22 @@ class NVSHARED_API SeriesNameFormatter {
 
  private:
   friend class SeriesNameFormatterPeer;
-
   SeriesNameFormatter();
   ~SeriesNameFormatter();
+
+  void NotifySeriesNameUpdate(const UpdateHint& hint);
+  void NotifyDestroy();
+  bool Load();
+  void Save();
+  void Serialize(IArchiver& archiver);
+  void AddCustomSeriesNameFromFile(const FormattedNameData& data);
+  bool SetExpiration(const dv_core_ns::SeriesID& series,
+                     dv_core_ns::Date& date) const;
+  // The text of a contract for log lines: the series or its legs.
+  std::string LogText(const dv_core_ns::SeriesID& key,
+                      const FormatContractConfig& config) const;
+  // Removes the entry of `key` (which the tables hold) and logs `line`.
+  void RemoveEntry(const dv_core_ns::SeriesID& key, const std::string& line);
 
   bool FormatSeries(const dv_core_ns::SeriesID& series, std::string& out,
                     const FormatContractConfig& config) const;
@@ -210,11 +332,26 @@ class NVSHARED_API SeriesNameFormatter {
   const char* CustomNameFor(const dv_core_ns::SeriesID& series,
                             const FormatContractConfig& config) const;
 
+  std::string archivePath_;
+  IArchiverFactory* archiverFactory_ = nullptr;
+  // Set while Load empties the registry, so that nothing is saved then.
+  bool suppressSave_ = false;
+  SeriesNamePromptCallback prompt_;
+  // The present time for isDateExpired; null for the system clock. Tests
+  // set it.
+  std::time_t (*clock_)() = nullptr;
+  std::unique_ptr<std::map<SeriesNameFormatterObserver*,
+                           boost::shared_ptr<SeriesNameFormatterObserverData>>>
+      observers_;
   // The formatter lock. Re-entrant, like the critical section it stands
   // for.
   mutable std::recursive_mutex lock_;
   // Exchanges whose series names are shown, always unflavoured ids.
   std::set<int> seriesNameExchanges_;
+  // The same for ids below kFastExchangeIds, read without the lock: sort
+  // comparators ask for every pair of series alike in all else.
+  static constexpr int kFastExchangeIds = 1024;
+  std::array<std::atomic<bool>, kFastExchangeIds> seriesNameFast_{};
   // For contract names in log lines, and for the old custom name in them.
   FormatContractConfig logConfig_;
   FormatContractConfig customConfig_;

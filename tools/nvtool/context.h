@@ -41,6 +41,8 @@ void AddMatchCommand(CLI::App& app, Context& context);
 void AddDecodeCommand(CLI::App& app, Context& context);
 void AddEncodeCommand(CLI::App& app, Context& context);
 void AddColumnCommand(CLI::App& app, Context& context);
+void AddSortCommand(CLI::App& app, Context& context);
+void AddNamesCommand(CLI::App& app, Context& context);
 
 }  // namespace nvtool
 

@@ -15,8 +15,8 @@
 namespace {
 
 // The commands that read reference data, and so take --refdata.
-const std::set<std::string_view> kUsesReferenceData = {"exchanges", "demo",
-                                                       "mgt", "name", "match"};
+const std::set<std::string_view> kUsesReferenceData = {
+    "exchanges", "demo", "mgt", "name", "match", "sort", "names"};
 
 // What the command line names before CLI11 sees it: the command (the first
 // word that is not an option or the value of --refdata) and whether
@@ -93,7 +93,7 @@ int main(int argc, char** argv) {
   app.add_option("--refdata", context.refdataPath,
                  "Reference-data JSON file to use instead of the bundled "
                  "sample (commands that read reference data: exchanges, "
-                 "demo, mgt, name, match)")
+                 "demo, mgt, name, match, sort, names)")
       ->type_name("FILE");
 
   nvtool::AddExchangesCommand(app, context);
@@ -106,6 +106,8 @@ int main(int argc, char** argv) {
   nvtool::AddDecodeCommand(app, context);
   nvtool::AddEncodeCommand(app, context);
   nvtool::AddColumnCommand(app, context);
+  nvtool::AddSortCommand(app, context);
+  nvtool::AddNamesCommand(app, context);
 
   int status = 0;
   try {

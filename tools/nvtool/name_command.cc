@@ -8,9 +8,12 @@
 #include <string>
 #include <vector>
 
+#include "nvshared/naming/binary_archiver.h"
 #include "nvshared/naming/series_name_formatter.h"
 #include "nvshared/platform/core/consumer.h"
 #include "nvshared/platform/core/reference_data.h"
+#include "nvshared/platform/log/logger.h"
+#include "nvshared/platform/log/memory_sink.h"
 #include "tools/nvtool/context.h"
 
 namespace nvtool {
@@ -33,6 +36,7 @@ struct Options {
   bool seriesNames = false;
   std::vector<std::string> seriesNamesFor;
   bool productNames = false;
+  std::string namesFile;
 };
 
 // An exchange given by id or by name; -1 if it names none.
@@ -104,6 +108,15 @@ void Run(const Options& options, std::ostream& out) {
   if (options.noCustomName) config.useCustomName = false;
 
   SeriesNameFormatter& formatter = SeriesNameFormatter::Instance();
+  if (!options.namesFile.empty()) {
+    // The load's log lines are for 'nvtool names'; keep them off the output.
+    const auto previous =
+        dv_log::GetCustomLog()->SetSink(std::make_shared<dv_log::MemorySink>());
+    static nv_fmt::BinaryArchiverFactory factory;
+    formatter.SetArchiverFactory(factory);
+    formatter.SetArchivePath(options.namesFile.c_str());
+    dv_log::GetCustomLog()->SetSink(previous);
+  }
   formatter.SetSeriesNameEnabled(options.seriesNames);
   formatter.SetProductNameEnabled(options.productNames);
   for (const std::string& exchange : options.seriesNamesFor) {
@@ -192,6 +205,10 @@ void AddNameCommand(CLI::App& app, Context& context) {
       ->type_name("ID");
   sub->add_flag("--product-names", options->productNames,
                 "Show products by their code rather than their alias");
+  sub->add_option("--names", options->namesFile,
+                  "Custom names from this names file (see 'nvtool names'); "
+                  "default: none")
+      ->type_name("FILE");
   sub->callback([&context, options] {
     if (options->all == !options->keys.empty()) {
       throw CLI::ValidationError("name", "give series keys or --all, not both");
