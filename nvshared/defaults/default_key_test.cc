@@ -290,12 +290,9 @@ TEST(DefaultsTableTest, BadInputNamesTheEntryAndField) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.json);
-    const auto parsed = nv_ns::ParseDefaultsTable(c.json);
-    ASSERT_FALSE(parsed.ok());
-    EXPECT_EQ(parsed.status().message(), c.error);
+    EXPECT_EQ(nv_ns::ParseDefaultsTable(c.json).status().message(), c.error);
   }
   const auto broken = nv_ns::ParseDefaultsTable("{\"entries\":[");
-  ASSERT_FALSE(broken.ok());
   EXPECT_EQ(broken.status().message().rfind("not valid JSON: ", 0), 0u);
 }
 

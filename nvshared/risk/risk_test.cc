@@ -115,9 +115,6 @@ TEST_F(TraderInfoTest, AddLimitReplacesAndClearedRowsFindNothing) {
   trader.AddLimit(5, "ES", replacement);
   EXPECT_FALSE(trader.GetLimit(5, "ES", RiskProductTypes::SWAP, limit, false));
   EXPECT_EQ(TraderInfo::LimitKey(12, "ZN"), "12;ZN");
-
-  trader.Clear();
-  EXPECT_TRUE(trader.m_limits.empty());
 }
 
 TEST(RiskProductTypeTest, MappingsAndNames) {
