@@ -47,6 +47,7 @@ TEST(CriteriaRecordsTest, DefaultsAndCopies) {
   EXPECT_EQ(od.m_date, nv_ns::GTD_Date);
   const RRCRITERIA rr;
   EXPECT_EQ(rr.GetOrderPortionsCount(), 3u);
+  EXPECT_FALSE(rr.CanSupportBuy(false) || rr.CanSupportSell(false));
 
   // Copies carry every field; assigning a record to itself changes nothing.
   ODCRITERIA changed;
@@ -104,7 +105,8 @@ TEST(CriteriaRecordsTest, OboNeedsFirstAndThird) {
   cd.m_obo3 = "c";
   EXPECT_TRUE(cd.HasOBO());
   cd.ClearOBOData();
-  EXPECT_EQ(cd.m_obo1 + cd.m_obo2 + cd.m_obo3, "");
+  EXPECT_FALSE(cd.HasOBO());
+  EXPECT_EQ(cd.m_obo2, "");
 }
 
 // Statuses: 0 valid, 1 no complete portion, 4 a portion partly filled, 5 a
@@ -132,6 +134,8 @@ TEST(RRCriteriaTest, ValidityStatuses) {
               c.status == 0);
     EXPECT_EQ(status, c.status);
   }
+  EXPECT_FALSE(Record({onEmpty}).IsPortionBlank(0, true));
+  EXPECT_TRUE(Record({onEmpty}).IsPortionBlank(0, false));
 }
 
 TEST(RRCriteriaTest, IndexesAndNumbers) {

@@ -308,7 +308,10 @@ TEST_F(DefaultKeyTest, BundledTableShowsTheECBOTCase) {
   EXPECT_TRUE((*parsed)[5].wildGateway);
   // eCBOT-A takes the market-200 entry, plain CBOT its own; for ES the
   // fallback gives way.
-  EXPECT_EQ(Winner(MakeKey(3, 0, "zn"), *parsed), std::pair(1, 10));
+  const CDefaultKey ecbot("", 0, nv_ns::MarketType::DV_INVALID_MARKET_ID,
+                          static_cast<nv_ns::ExchangeIds::Value>(3), -1,
+                          nv_ns::ProductType::Invalid, "zn");
+  EXPECT_EQ(Winner(ecbot, *parsed), std::pair(1, 10));
   EXPECT_EQ(Winner(MakeKey(1, 0, "ZB"), *parsed), std::pair(0, 10));
   EXPECT_EQ(Winner(MakeKey(1, 0, "ES"), *parsed), std::pair(5, 0));
 }
