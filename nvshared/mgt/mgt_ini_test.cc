@@ -46,11 +46,10 @@ class MgtIniTest : public ::testing::Test {
   void TearDown() override { dv_log::GetCustomLog()->SetSink(saved_); }
 
   // Loads `contents` into `mgt` with a fresh log.
-  bool Load(const std::string& contents, MgtINI& mgt,
-            const char* name = "test.mgt") {
+  bool Load(const std::string& contents, MgtINI& mgt) {
     mgt.SetLoggers(&MgtLogInfo, &MgtLogError);
     sink_->Clear();
-    return mgt.Load(dir_.WriteFile(name, contents).c_str());
+    return mgt.Load(dir_.WriteFile("test.mgt", contents).c_str());
   }
   bool Load(const std::string& contents) { return Load(contents, mgt_); }
 
@@ -235,8 +234,9 @@ TEST_F(MgtIniTest, FailedLoadIsRetriedAndSuccessIsFinal) {
 // own gateway list.
 TEST_F(MgtIniTest, AssignmentCopiesMarketsButNotTheGatewayList) {
   ASSERT_TRUE(Load("[gw-CME-A]\n" + kIdentity));
-  MgtINI other;
-  ASSERT_TRUE(Load("[gw-LIFFE]\n" + kIdentity, other, "other.mgt"));
+  MgtINI other;  // without loggers: its messages are dropped
+  ASSERT_TRUE(other.Load(
+      dir_.WriteFile("other.mgt", "[gw-LIFFE]\n" + kIdentity).c_str()));
   other = mgt_;
   EXPECT_NE(other.GetMgt(kCmeA), nullptr);
   EXPECT_EQ(other.GetMgt(kLiffe), nullptr);
@@ -286,6 +286,8 @@ TEST(MgtTest, SetAlwaysMarksSetButAssignmentCopiesTheFlag) {
   EXPECT_FALSE(viaAssign.IsSet());
   viaAssign.Set(viaAssign);  // from itself: only marks it set
   EXPECT_TRUE(viaAssign.IsSet());
+  viaSet.Set("M", nullptr, nullptr, {}, nullptr, false, TraderIdType::None);
+  EXPECT_EQ(viaSet.m_member + viaSet.m_group, "M");
 }
 
 }  // namespace

@@ -20,6 +20,7 @@ using nv_ns::UserInfo;
 TEST(MGTInfoTest, KeyIsThePartsRunTogether) {
   MGTInfo mgt("M1", "G1", "T1");
   EXPECT_STREQ(mgt.GetTraderId(), "M1G1T1");
+  EXPECT_STREQ(mgt.GetMGTMemberId(), "M1");
   EXPECT_STREQ(mgt.GetMGTTraderId(), "T1");
   // Identity is the key alone: parts and gateways play no part.
   MGTInfo other("M", "1G1", "T1");
