@@ -1,79 +1,50 @@
 #include "nvshared/defaults/default_key.h"
 
-#include <optional>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "nvshared/defaults/defaults_table.h"
+#include "nvshared/platform/os/atomic_file.h"
 #include "nvshared/testing/reference_fixture.h"
 
 namespace {
 
-// Exchanges of the test reference data used here: 7 "CME-A (Globex)" of
-// market 7, 1 "CBOT" and 3 "eCBOT-A (Electronic)" of market 6 (CBOT).
-constexpr char kCmeA[] = "CME-A (Globex)";
-constexpr char kECbotA[] = "eCBOT-A (Electronic)";
+using TableEntries = std::vector<nv_ns::DefaultsTableEntry>;
 
-struct Entry {
-  std::string templ = {};
-  unsigned short broker = 0;
-  std::optional<std::string> gateway = {};  // nullopt: wild
-  int gm = -1;
-  std::optional<std::string> products = {};  // nullopt: wild
-  int type = 0;                              // 0: wild
-  int market = -1;                           // -1: wild
-  bool excluded = false;
-  bool fallback = false;
-};
+const std::string kCmeA = "\"gateway\":\"CME-A (Globex)\"";
 
-// A host's table as the library sees it: a vector and a cursor.
-class Table : public DefaultsEntryIterator {
+// Entries written as the JSON objects of a defaults table, comma-separated.
+// The test reference data has exchange 7 "CME-A (Globex)" of market 7, 1
+// "CBOT" and 3 "eCBOT-A (Electronic)" of market 6 (CBOT).
+TableEntries Parse(const std::string& entries) {
+  auto parsed = nv_ns::ParseDefaultsTable(R"({"entries":[)" + entries + "]}");
+  EXPECT_TRUE(parsed.ok()) << parsed.status().message();
+  return parsed.ok() ? *parsed : TableEntries{};
+}
+
+// The library's table, counting the searches and the saves.
+class Table : public nv_ns::DefaultsTable {
  public:
-  explicit Table(std::vector<Entry> entries) : entries_(std::move(entries)) {}
-
-  bool HasEntry() const override { return pos_ < entries_.size(); }
-  void Next() override { ++pos_; }
+  explicit Table(const std::string& entries) : DefaultsTable(Parse(entries)) {}
+  explicit Table(TableEntries entries) : DefaultsTable(std::move(entries)) {}
   void Reset() override {
-    pos_ = 0;
     ++resets;
+    DefaultsTable::Reset();
   }
   void SaveBest() override {
-    best = static_cast<int>(pos_);
     ++saves;
+    DefaultsTable::SaveBest();
   }
-  void RestoreBest() override { pos_ = static_cast<std::size_t>(best); }
-  const char* GetTemplateName() const override { return e().templ.c_str(); }
-  unsigned short GetBrokerId() const override { return e().broker; }
-  int GetHostValue() const override { return 0; }
-  std::string GetGatewayName() const override {
-    return e().gateway.value_or("");
+  int Best() {
+    RestoreBest();
+    return static_cast<int>(position());
   }
-  int GetGMId() const override { return e().gm; }
-  bool IsWildGateway() const override { return !e().gateway; }
-  const char* GetProductNames() const override {
-    return e().products ? e().products->c_str() : "";
-  }
-  bool IsWildProductName() const override { return !e().products; }
-  nv_ns::ProductType::Value GetProductType() const override {
-    return static_cast<nv_ns::ProductType::Value>(e().type);
-  }
-  bool IsWildProductType() const override { return e().type == 0; }
-  nv_ns::MarketType::Value GetMarketId() const override {
-    return static_cast<nv_ns::MarketType::Value>(e().market);
-  }
-  bool IsWildMarketId() const override { return e().market == -1; }
-  bool IsExcluded() const override { return e().excluded; }
-  bool IsFallback() const override { return e().fallback; }
-
-  int best = -1;
   int saves = 0;
   int resets = 0;
-
- private:
-  const Entry& e() const { return entries_[pos_]; }
-  std::vector<Entry> entries_;
-  std::size_t pos_ = 0;
 };
 
 // A key whose protected helpers the tests may call.
@@ -94,17 +65,21 @@ Key MakeKey(int exchange = -1, int type = 0, const std::string& product = "",
       static_cast<nv_ns::ProductType::Value>(type), product));
 }
 
-// Index of the winner, or -1; `score` receives its score.
-int Winner(const CDefaultKey& key, std::vector<Entry> entries,
-           int* score = nullptr) {
+// Index and score of the winner, or -1 and -1; Match and MatchScored
+// must agree.
+std::pair<int, int> Winner(const CDefaultKey& key,
+                           const TableEntries& entries) {
   Table table(entries);
   const bool found = key.Match(table);
-  Table again(std::move(entries));
-  int s = -1;
-  EXPECT_EQ(key.MatchScored(again, s), found);
-  EXPECT_EQ(again.best, table.best);
-  if (score != nullptr) *score = found ? s : -1;
-  return found ? table.best : -1;
+  Table again(entries);
+  int score = -1;
+  EXPECT_EQ(key.MatchScored(again, score), found);
+  if (!found) return {-1, -1};
+  EXPECT_EQ(again.Best(), table.Best());
+  return {table.Best(), score};
+}
+std::pair<int, int> Winner(const CDefaultKey& key, const std::string& json) {
+  return Winner(key, Parse(json));
 }
 
 class DefaultKeyTest : public ::testing::Test {
@@ -116,165 +91,134 @@ class DefaultKeyTest : public ::testing::Test {
   void TearDown() override { CDefaultKey::m_bMultiBrokerMode = false; }
 };
 
-TEST_F(DefaultKeyTest, EmptyTableFindsNothingAndSavesNothing) {
-  Table table({});
-  EXPECT_FALSE(MakeKey(7, 1, "ES").Match(table));
-  EXPECT_EQ(table.saves, 0);
+// One key against one table: the winner and its score (kAny: not checked).
+// By rows: an empty table; a wild key takes the first entry, however
+// narrow; wild entries pass a full key; a named field that differs drops
+// the entry (3-5); the gateway compares against the flavoured name, byte
+// for byte (6-7); a named but empty gateway is dropped unless the key's
+// exchange is wild (8-9); an entry naming a gateway but no market belongs
+// to the gateway's market (10-11); excluded entries never win (12-13); GM
+// ids narrow the gateway (14-17); the Legwise type looks for the Legwise
+// market, given an exchange (18-20); eCBOT-A prefers market 200, then CBOT
+// (21-23).
+TEST_F(DefaultKeyTest, MatchTable) {
+  constexpr int kAny = -2;
+  const Key full = MakeKey(7, 1, "ES"), gm3 = MakeKey(7, 0, "", -1, 3);
+  const std::string cme = "{" + kCmeA;
+  const struct {
+    Key key;
+    int winner, score;
+    std::string table;
+  } cases[] = {
+      {full, -1, -1, ""},
+      {MakeKey(), 0, 0,
+       R"({"gateway":"x","products":"Z","productType":3},{"market":9})"},
+      {full, 0, 0, "{}"},
+      {full, -1, -1, R"({"productType":2})"},
+      {full, -1, -1, R"({"products":"NQ"})"},
+      {full, -1, -1, R"({"market":6})"},
+      {MakeKey(7), -1, -1, R"({"gateway":"CME-A"})"},
+      {MakeKey(7), -1, -1, "{\"gateway\":\"cme-a (globex)\"}"},
+      {MakeKey(7), -1, -1, R"({"gateway":""})"},
+      {MakeKey(-1, 1), 0, kAny, R"({"gateway":""})"},
+      {MakeKey(-1, 0, "", 7), 0, 2, cme + "}"},
+      {MakeKey(-1, 0, "", 6), -1, -1, cme + "}"},
+      {MakeKey(7), -1, -1, cme + R"(,"excluded":true})"},
+      {MakeKey(7), 1, 0, cme + R"(,"excluded":true},{})"},
+      {gm3, 0, 4 + 2, cme + "}"},
+      {gm3, 0, kAny, cme + R"(,"gmId":3})"},
+      {gm3, -1, -1, cme + R"(,"gmId":4})"},
+      {MakeKey(7), 0, kAny, cme + R"(,"gmId":4})"},
+      {MakeKey(-1, 32), 0, kAny, R"({"market":7})"},
+      {MakeKey(7, 32), 1, kAny, R"({"market":7},{"market":84})"},
+      {MakeKey(7, 32), -1, -1, R"({"market":7})"},
+      {MakeKey(3), 1, kAny, R"({"market":6},{"market":200})"},
+      {MakeKey(3), 0, kAny, R"({"market":6})"},
+      {MakeKey(3), 0, kAny, "{}"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    const auto [winner, score] = Winner(c.key, c.table);
+    EXPECT_EQ(winner, c.winner);
+    if (c.score != kAny) {
+      EXPECT_EQ(score, c.score);
+    }
+  }
 }
 
 TEST_F(DefaultKeyTest, EachWeightOutranksAllWeakerOnesTogether) {
   // The key names every field; the entry that names one field alone is
-  // listed after an entry that names all weaker fields, and still wins.
-  const Entry all_weaker[] = {
-      // product beats gateway + market + type
-      {.gateway = kCmeA, .type = 1, .market = 7},
-      // gateway beats market + type
-      {.type = 1, .market = 7},
-      // market beats type
-      {.type = 1},
-  };
-  const Entry one[] = {{.products = "ES"}, {.gateway = kCmeA}, {.market = 7}};
-  const int expected_scores[] = {16 + 32 + 8, 16 + 32 + 4 + 2, 16 + 32 + 2};
+  // listed after an entry that names all weaker fields, and still wins:
+  // product beats gateway + market + type, gateway beats market + type,
+  // market beats type. The template compares without case.
+  const std::string weaker[] = {kCmeA + R"(,"productType":1,"market":7})",
+                                R"("productType":1,"market":7})",
+                                R"("productType":1})"};
+  const std::string single[] = {R"("products":"ES"})", kCmeA + "}",
+                                R"("market":7})"};
+  const int scores[] = {16 + 32 + 8, 16 + 32 + 4 + 2, 16 + 32 + 2};
   CDefaultKey::m_bMultiBrokerMode = true;
   const Key key = MakeKey(7, 1, "ES", -1, -1, "Std", 5);
+  const std::string common = R"({"template":"STD","broker":5,)";
   for (int i = 0; i < 3; ++i) {
     SCOPED_TRACE(i);
-    Entry weaker = all_weaker[i];
-    Entry single = one[i];
-    weaker.templ = single.templ = "STD";  // template compares without case
-    weaker.broker = single.broker = 5;
-    int score = 0;
-    EXPECT_EQ(Winner(key, {weaker, single}, &score), 1);
-    EXPECT_EQ(score, expected_scores[i]);
+    EXPECT_EQ(Winner(key, common + weaker[i] + "," + common + single[i]),
+              std::pair(1, scores[i]));
   }
-  int score = 0;
-  EXPECT_EQ(Winner(key,
-                   {{.templ = "std",
-                     .broker = 5,
-                     .gateway = kCmeA,
-                     .products = "ES",
-                     .type = 1,
-                     .market = 7}},
-                   &score),
-            0);
-  EXPECT_EQ(score, 63);
+  EXPECT_EQ(Winner(key, common + kCmeA +
+                            R"(,"products":"ES","productType":1,"market":7})"),
+            std::pair(0, 63));
 }
 
 TEST_F(DefaultKeyTest, BrokerAndTemplateFilterWhenTheKeyNamesThem) {
-  const std::vector<Entry> table = {{.templ = "A", .broker = 1},
-                                    {.templ = "B", .broker = 2}};
+  const std::string table =
+      R"({"template":"A","broker":1},{"template":"B","broker":2})";
   // Broker ids count only in multi-broker mode.
-  EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "", 2), table), 0);
+  EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "", 2), table).first, 0);
   CDefaultKey::m_bMultiBrokerMode = true;
-  int score = 0;
-  EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "", 2), table, &score), 1);
-  EXPECT_EQ(score, 32);
-  EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "b", 0), table, &score), 1);
-  EXPECT_EQ(score, 16);
-  EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "C", 0), table), -1);
-  EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "A", 2), table), -1);
-}
-
-TEST_F(DefaultKeyTest, WildFieldsNeitherExcludeNorScore) {
-  int score = 0;
-  // A wild key takes the first entry, however narrow the others are.
-  EXPECT_EQ(
-      Winner(MakeKey(),
-             {{.gateway = "x", .products = "ZZ", .type = 3}, {.market = 99}},
-             &score),
-      0);
-  EXPECT_EQ(score, 0);
-  // Wild entries pass a key that names everything with score 0.
-  EXPECT_EQ(Winner(MakeKey(7, 1, "ES"), {{}}, &score), 0);
-  EXPECT_EQ(score, 0);
-  // A named field that differs drops the entry.
-  EXPECT_EQ(Winner(MakeKey(7, 1, "ES"), {{.type = 2}}), -1);
-  EXPECT_EQ(Winner(MakeKey(7, 1, "ES"), {{.products = "NQ"}}), -1);
-  EXPECT_EQ(Winner(MakeKey(7, 1, "ES"), {{.market = 6}}), -1);
-  // The gateway compares against the flavoured name, byte for byte.
-  EXPECT_EQ(Winner(MakeKey(7), {{.gateway = "CME-A"}}), -1);
-  EXPECT_EQ(Winner(MakeKey(7), {{.gateway = "cme-a (globex)"}}), -1);
-  // An entry naming a gateway but no market belongs to the gateway's market.
-  EXPECT_EQ(Winner(MakeKey(-1, 0, "", 7), {{.gateway = kCmeA}}, &score), 0);
-  EXPECT_EQ(score, 2);
-  EXPECT_EQ(Winner(MakeKey(-1, 0, "", 6), {{.gateway = kCmeA}}), -1);
-}
-
-TEST_F(DefaultKeyTest, ExcludedEntriesNeverWin) {
-  EXPECT_EQ(Winner(MakeKey(7), {{.gateway = kCmeA, .excluded = true}}), -1);
-  EXPECT_EQ(Winner(MakeKey(7), {{.gateway = kCmeA, .excluded = true}, {}}), 1);
+  EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "", 2), table), std::pair(1, 32));
+  EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "b", 0), table),
+            std::pair(1, 16));
+  EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "C", 0), table).first, -1);
+  EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "A", 2), table).first, -1);
 }
 
 TEST_F(DefaultKeyTest, FallbackGivesWayOnceToAnEqualNonFallback) {
-  const Entry fb{.fallback = true};
-  const Entry plain{};
-  const Entry better{.market = 7};
-  struct Case {
-    std::vector<Entry> table;
-    int winner;
-  } cases[] = {
-      {{fb, plain, plain}, 1},
-      {{fb, fb, plain}, 2},
-      {{fb, fb}, 0},
-      {{plain, fb}, 0},
-      // A higher score still wins, fallback or not.
-      {{plain, {.market = 7, .fallback = true}}, 1},
-      {{{.market = 7, .fallback = true}, plain}, 0},
-      {{{.market = 7, .fallback = true}, better, better}, 1},
-  };
-  for (std::size_t i = 0; i < std::size(cases); ++i) {
-    SCOPED_TRACE(i);
-    EXPECT_EQ(Winner(MakeKey(7), cases[i].table), cases[i].winner);
+  const std::string fb = R"({"fallback":true},)", plain = "{},",
+                    better = R"({"market":7},)",
+                    betterFb = R"({"market":7,"fallback":true},)";
+  // The last three: a higher score still wins, fallback or not.
+  const std::pair<std::string, int> cases[] = {{fb + plain + plain, 1},
+                                               {fb + fb + plain, 2},
+                                               {fb + fb, 0},
+                                               {plain + fb, 0},
+                                               {plain + betterFb, 1},
+                                               {betterFb + plain, 0},
+                                               {betterFb + better + better, 1}};
+  for (const auto& [table, winner] : cases) {
+    SCOPED_TRACE(table);
+    // Each piece ends in a comma; the table does not.
+    EXPECT_EQ(Winner(MakeKey(7), table.substr(0, table.size() - 1)).first,
+              winner);
   }
 }
 
-TEST_F(DefaultKeyTest, GmIdsNarrowTheGateway) {
-  int score = 0;
-  EXPECT_EQ(Winner(MakeKey(7, 0, "", -1, 3), {{.gateway = kCmeA}}, &score), 0);
-  EXPECT_EQ(score, 4 + 2);
-  EXPECT_EQ(Winner(MakeKey(7, 0, "", -1, 3), {{.gateway = kCmeA, .gm = 3}}), 0);
-  EXPECT_EQ(Winner(MakeKey(7, 0, "", -1, 3), {{.gateway = kCmeA, .gm = 4}}),
-            -1);
-  EXPECT_EQ(Winner(MakeKey(7, 0, "", -1, -1), {{.gateway = kCmeA, .gm = 4}}),
-            0);
-}
-
-TEST_F(DefaultKeyTest, NamedButEmptyGatewayIsDropped) {
-  EXPECT_EQ(Winner(MakeKey(7), {{.gateway = ""}}), -1);
-  // A wild key exchange skips the gateway test altogether.
-  EXPECT_EQ(Winner(MakeKey(-1, 1), {{.gateway = ""}}), 0);
-}
-
-TEST_F(DefaultKeyTest, ECBOTKeyPrefersMarket200ThenCBOT) {
-  const Key key = MakeKey(3);
-  const Entry cbot{.market = 6};
-  const Entry ecbot{.market = 200};
-  const Entry wild{};
-  EXPECT_EQ(Winner(key, {cbot, ecbot}), 1);
-  EXPECT_EQ(Winner(key, {cbot}), 0);
-  EXPECT_EQ(Winner(key, {wild}), 0);
+TEST_F(DefaultKeyTest, ECBOTKeySearchesTwiceOtherCBOTKeysOnce) {
   // The wild entry fits the first search with a market other than 200, so
   // the second search runs and returns it again.
-  Table table({wild});
-  EXPECT_TRUE(key.Match(table));
+  Table table("{}");
+  EXPECT_TRUE(MakeKey(3).Match(table));
   EXPECT_EQ(table.resets, 2);
   // An exchange of CBOT whose name is not eCBOT searches once, for CBOT.
-  Table plain({ecbot, cbot});
+  Table plain(R"({"market":200},{"market":6})");
   EXPECT_TRUE(MakeKey(1).Match(plain));
-  EXPECT_EQ(plain.best, 1);
+  EXPECT_EQ(plain.Best(), 1);
   EXPECT_EQ(plain.resets, 1);
-  // Nothing for either market: false after both searches.
-  Table none(std::vector<Entry>{{.market = 7}});
-  EXPECT_FALSE(key.Match(none));
+  // Nothing for either market: false after both searches, nothing saved.
+  Table none(R"({"market":7})");
+  EXPECT_FALSE(MakeKey(3).Match(none));
   EXPECT_EQ(none.resets, 2);
-}
-
-TEST_F(DefaultKeyTest, LegwiseTypeLooksForTheLegwiseMarket) {
-  // No market and no exchange: the target has no effect.
-  EXPECT_EQ(Winner(MakeKey(-1, 32), {{.market = 7}}), 0);
-  // With an exchange, entries are tested against market 84.
-  EXPECT_EQ(Winner(MakeKey(7, 32), {{.market = 7}, {.market = 84}}), 1);
-  EXPECT_EQ(Winner(MakeKey(7, 32), {{.market = 7}}), -1);
+  EXPECT_EQ(none.saves, 0);
 }
 
 TEST_F(DefaultKeyTest, ProductListsIgnoreBlanksAndCase) {
@@ -302,22 +246,18 @@ TEST_F(DefaultKeyTest, ProductListsIgnoreBlanksAndCase) {
 TEST_F(DefaultKeyTest, SeriesParamsTakeTheProductAndAnOpenExchange) {
   dv_core_ns::SeriesID series;
   series.product = dv_core_ns::ProdID(7, 1, "ES");
-  CriteriaKeyParams p("T", &series, 4, nv_ns::ExchangeIds::Invalid, 2);
-  // No key: the series is ignored.
-  EXPECT_EQ(p.m_exchangeId, -1);
-  EXPECT_EQ(p.m_productName, "");
+  auto fields = [&series](int exchange) {
+    const CriteriaKeyParams p(
+        "T", &series, 4, static_cast<nv_ns::ExchangeIds::Value>(exchange), 2);
+    return std::tuple<int, int, std::string, int, int, int>(
+        p.m_exchangeId, p.m_productType, p.m_productName, p.m_marketId,
+        p.m_gmId, p.m_brokerId);
+  };
+  // Without a series key the series is ignored.
+  EXPECT_EQ(fields(-1), std::tuple(-1, 0, "", -1, 2, 4));
   series.SetSeriesKey("ESH4");
-  p = CriteriaKeyParams("T", &series, 4, nv_ns::ExchangeIds::Invalid, 2);
-  EXPECT_EQ(p.m_exchangeId, 7);
-  EXPECT_EQ(p.m_productType, 1);
-  EXPECT_EQ(p.m_productName, "ES");
-  EXPECT_EQ(p.m_marketId, -1);
-  EXPECT_EQ(p.m_gmId, 2);
-  EXPECT_EQ(p.m_brokerId, 4);
-  p = CriteriaKeyParams("T", &series, 4,
-                        static_cast<nv_ns::ExchangeIds::Value>(8), 2);
-  EXPECT_EQ(p.m_exchangeId, 8);
-  EXPECT_EQ(p.m_productName, "ES");
+  EXPECT_EQ(fields(-1), std::tuple(7, 1, "ES", -1, 2, 4));
+  EXPECT_EQ(fields(8), std::tuple(8, 1, "ES", -1, 2, 4));
 }
 
 TEST_F(DefaultKeyTest, MarketCacheKeepsUnknownExchangesToo) {
@@ -325,6 +265,55 @@ TEST_F(DefaultKeyTest, MarketCacheKeepsUnknownExchangesToo) {
   EXPECT_EQ(Key::GetMarketIdFromExch(50), -1);
   EXPECT_EQ(Key::s_mapExchId2MktId().at(50), -1);
   EXPECT_EQ(Key::s_mapExchId2MktId().at(3), 6);
+}
+
+TEST(DefaultsTableTest, BadInputNamesTheEntryAndField) {
+  const struct {
+    const char* json;
+    const char* error;
+  } cases[] = {
+      {R"({"entries":[{},{"broker":70000}]})",
+       "entry 1: field \"broker\": expected an integer from 0 to 65535"},
+      {R"({"entries":[{"gateway":7}]})",
+       "entry 0: field \"gateway\": expected a string"},
+      {R"({"entries":[{"market":"Nowhere"}]})",
+       "entry 0: field \"market\": unknown market \"Nowhere\""},
+      {R"({"entries":[{"productType":"FUTURES"}]})",
+       "entry 0: field \"productType\": unknown product type \"FUTURES\""},
+      {R"({"entries":[{"fallback":1}]})",
+       "entry 0: field \"fallback\": expected true or false"},
+      {R"({"entries":[{"colour":"red"}]})",
+       "entry 0: field \"colour\": unknown field"},
+      {R"({"entries":[3]})", "entry 0: expected an object"},
+      {R"({"rows":[]})", "unknown field \"rows\""},
+      {R"([])", "expected an object with an \"entries\" array"},
+  };
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.json);
+    EXPECT_EQ(nv_ns::ParseDefaultsTable(c.json).status().message(), c.error);
+  }
+  const auto broken = nv_ns::ParseDefaultsTable("{\"entries\":[");
+  EXPECT_EQ(broken.status().message().rfind("not valid JSON: ", 0), 0u);
+}
+
+TEST_F(DefaultKeyTest, BundledTableShowsTheECBOTCase) {
+  const auto text = nvshared::os::ReadWholeFile(NVSHARED_SOURCE_DIR
+                                                "/data/sample-defaults.json");
+  ASSERT_TRUE(text.ok());
+  auto parsed = nv_ns::ParseDefaultsTable(*text);
+  ASSERT_TRUE(parsed.ok()) << parsed.status().message();
+  ASSERT_EQ(parsed->size(), 6u);
+  EXPECT_FALSE((*parsed)[0].wildMarketId);
+  EXPECT_EQ((*parsed)[0].marketId, 6);
+  EXPECT_TRUE((*parsed)[5].wildGateway);
+  // eCBOT-A takes the market-200 entry, plain CBOT its own; for ES the
+  // fallback gives way.
+  const CDefaultKey ecbot("", 0, nv_ns::MarketType::DV_INVALID_MARKET_ID,
+                          static_cast<nv_ns::ExchangeIds::Value>(3), -1,
+                          nv_ns::ProductType::Invalid, "zn");
+  EXPECT_EQ(Winner(ecbot, *parsed), std::pair(1, 10));
+  EXPECT_EQ(Winner(MakeKey(1, 0, "ZB"), *parsed), std::pair(0, 10));
+  EXPECT_EQ(Winner(MakeKey(1, 0, "ES"), *parsed), std::pair(5, 0));
 }
 
 }  // namespace

@@ -2,6 +2,8 @@
 
 #include <atomic>
 #include <cstdlib>
+#include <cstring>
+#include <string>
 #include <thread>
 #include <vector>
 
@@ -16,73 +18,118 @@
 namespace nv_ns {
 namespace {
 
+using dv_core_ns::Date;
+using dv_core_ns::Time;
+using nv_fmt::GetExchangeID;
+using nv_fmt::GetExchangeName;
+
 class MarketUtilsTest : public ::testing::Test {
  protected:
   void SetUp() override { nvshared::testing::InstallTestReferenceData(); }
 };
 
-TEST_F(MarketUtilsTest, MarketFromExchange) {
+// Exchange, market and kind: Synthetic, Fix, Ecbot or none. Exchange 0 is
+// Legwise (84) by rule, though the core says 31; 3 is eCBOT-A on CBOT, 4
+// "ecbot" (the name compares with case) and 5 "eCBOT" off CBOT; 12, 98 and
+// 173 are FIX by number alone; 180 is EnumMax() itself.
+TEST_F(MarketUtilsTest, MarketAndKindOfExchange) {
   struct Case {
-    int exchange;
-    int market;
+    int exchange, market;
+    char kind;
   };
   const Case cases[] = {
-      {0, 84},  // DV counts as Legwise, whatever the core says (31)
-      {7, 7},
-      {2, 6},
-      {30, 3},
-      {20, 85},
-      {11, -1},  // no such exchange
-      {-1, -1},
-      {179, -1},
-      {nvshared::testing::kTestExchangeIdCount, -1},  // EnumMax() itself
-      {100000, -1},
-  };
+      {0, 84, 'S'},  {3, 6, 'E'},    {4, 6, '-'},    {5, 32, '-'},
+      {7, 7, '-'},   {2, 6, '-'},    {30, 3, '-'},   {9, 34, 'F'},
+      {20, 85, 'S'}, {21, 88, 'S'},  {22, 84, 'S'},  {12, -1, 'F'},
+      {98, -1, 'F'}, {173, -1, 'F'}, {174, -1, '-'}, {11, -1, '-'},
+      {-1, -1, '-'}, {179, -1, '-'}, {180, -1, '-'}, {100000, -1, '-'}};
   for (const Case& c : cases) {
     SCOPED_TRACE(c.exchange);
     EXPECT_EQ(MarketUtils::GetMarketFromExchange(c.exchange), c.market);
     // Twice: the second answer comes from the cache.
     EXPECT_EQ(MarketUtils::GetMarketFromExchange(c.exchange), c.market);
     EXPECT_EQ(CNVConsumer::GetMarketFromExch(c.exchange), c.market);
-  }
-  EXPECT_EQ(dv_core_ns::CDVConsumer::GetMarketFromExch(0), 31);
-}
-
-TEST_F(MarketUtilsTest, Classifications) {
-  struct Case {
-    int exchange;
-    bool synthetic, fix, ecbot;
-  };
-  const Case cases[] = {
-      {0, true, false, false},  // exchange 0 is on Legwise by rule
-      {1, false, false, false},   {2, false, false, false},  // CBOT-A
-      {3, false, false, true},                               // eCBOT-A on CBOT
-      {4, false, false, false},  // "ecbot": compared with case
-      {5, false, false, false},  // "eCBOT" but not on CBOT
-      {7, false, false, false},   {9, false, true, false},
-      {12, false, true, false},  // FIX by number alone: no such exchange
-      {20, true, false, false},   {21, true, false, false},
-      {22, true, false, false},   {11, false, false, false},
-      {98, false, true, false},   {173, false, true, false},
-      {174, false, false, false}, {-1, false, false, false},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.exchange);
-    EXPECT_EQ(MarketUtils::IsSyntheticMarket(c.exchange), c.synthetic);
-    EXPECT_EQ(MarketUtils::IsFIXExchangeID(c.exchange), c.fix);
-    EXPECT_EQ(MarketUtils::IsECBOTExchangeID(c.exchange), c.ecbot);
+    EXPECT_EQ(MarketUtils::IsSyntheticMarket(c.exchange), c.kind == 'S');
+    EXPECT_EQ(MarketUtils::IsFIXExchangeID(c.exchange), c.kind == 'F');
+    EXPECT_EQ(MarketUtils::IsECBOTExchangeID(c.exchange), c.kind == 'E');
   }
 }
 
-TEST_F(MarketUtilsTest, NameCachesKeepTheirReferences) {
+TEST_F(MarketUtilsTest, NamesTheirCachesAndIds) {
   const std::string& cme = MarketUtilsInternal::ExchangeName(7);
-  EXPECT_EQ(cme, "CME-A");
   EXPECT_EQ(&cme, &MarketUtilsInternal::ExchangeName(7));
-  EXPECT_EQ(MarketUtilsInternal::ExchangeName(11), "");
   EXPECT_EQ(MarketUtilsInternal::MarketName(6), "CBOT");
   EXPECT_EQ(MarketUtilsInternal::MarketName(-1), "DV_INVALID_MARKET_ID");
   EXPECT_EQ(MarketUtilsInternal::MarketName(105), "");
-  EXPECT_EQ(MarketUtils::Instance(), MarketUtils::Instance());
+
+  EXPECT_STREQ(GetExchangeName(7, false), "CME-A");
+  EXPECT_STREQ(GetExchangeName(7, true), "CME-A (Globex)");
+  EXPECT_EQ(GetExchangeName(7, true), GetExchangeName(7, true));
+  // Without an alias both forms are the one cached text; unknown ids give
+  // "", never null.
+  EXPECT_EQ(GetExchangeName(8, true), GetExchangeName(8, false));
+  for (int id : {11, -1, 180}) EXPECT_STREQ(GetExchangeName(id, true), "");
+
+  dv_core_ns::SeriesID series;
+  series.product = dv_core_ns::ProdID(7, dv_core_ns::FUTURE, "ES");
+  std::string out = "stale";
+  EXPECT_TRUE(nv_fmt::FormatExchange(series, out));
+  EXPECT_EQ(out, "CME-A (Globex)");
+  series.product.exchange = 11;
+  EXPECT_FALSE(nv_fmt::FormatExchange(series, out));
+  EXPECT_EQ(out, "");
+
+  // The flavoured name of exchange 30 is made nowhere else, so its id is
+  // known only after this.
+  EXPECT_EQ(GetExchangeID("LIFFE (London)", true), -1);
+  EXPECT_STREQ(GetExchangeName(30, true), "LIFFE (London)");
+  EXPECT_EQ(GetExchangeID("LIFFE (London)", true), 30);
+  EXPECT_EQ(GetExchangeID("LIFFE (London)", false), -1);
+  // The flavoured path finds plain names too.
+  EXPECT_EQ(GetExchangeID("LIFFE", true), 30);
+  EXPECT_EQ(GetExchangeID(nullptr, true), -1);
+}
+
+// Month-and-year dates (day 0) are refused; times are not range-checked
+// beyond the sign, and print modulo 100 (milliseconds modulo 1000).
+TEST(FormatTest, DatesTimesAndAddresses) {
+  const std::pair<Date, const char*> dates[] = {
+      {{5, 3, 2014}, "05Mar14"}, {{31, 12, 1999}, "31Dec99"},
+      {{1, 1, 2100}, "01Jan00"}, {{1, 1, 7}, "01Jan07"},
+      {{0, 3, 2014}, ""},        {{5, 0, 2014}, ""},
+      {{5, 13, 2014}, ""},       {{5, 3, 0}, ""},
+      {{-1, 3, 2014}, ""}};
+  for (const auto& [date, text] : dates) {
+    SCOPED_TRACE(text);
+    char buffer[8];
+    std::memset(buffer, 'x', sizeof buffer);
+    EXPECT_EQ(nv_fmt::FormatDate(date, buffer), *text != '\0');
+    EXPECT_STREQ(buffer, text);
+  }
+  EXPECT_FALSE(nv_fmt::FormatDate(Date(5, 3, 2014), nullptr));
+
+  const std::pair<Time, const char*> times[] = {
+      {{9, 5, 7, 42}, "09:05:07.042"},
+      {{23, 59, 59, 999}, "23:59:59.999"},
+      {{0, 0, 0, 1234}, "00:00:00.234"},
+      {{123, 99, 60, 0}, "23:99:60.000"},
+      {{-1, 0, 0, 0}, ""},
+      {{0, 0, 0, -5}, ""}};
+  for (const auto& [time, text] : times) {
+    SCOPED_TRACE(text);
+    char buffer[13];
+    std::memset(buffer, 'x', sizeof buffer);
+    EXPECT_EQ(nv_fmt::FormatTime(time, buffer), *text != '\0');
+    EXPECT_STREQ(buffer, text);
+  }
+
+  // Network order: the octets stand in memory in the order printed.
+  const unsigned char octets[4] = {192, 168, 1, 250};
+  int address = 0;
+  std::memcpy(&address, octets, sizeof address);
+  std::string out = "stale";
+  EXPECT_TRUE(nv_fmt::FormatIP(address, out));
+  EXPECT_EQ(out, "192.168.1.250");
 }
 
 TEST_F(MarketUtilsTest, CoreProductIdAsksTheCoreDirectly) {
@@ -98,7 +145,7 @@ TEST_F(MarketUtilsTest, ShutdownStopsNewInstances) {
       {
         MarketUtils::OnLibraryShutdown();
         const bool ok = MarketUtils::Instance() == nullptr &&
-                        *nv_fmt::GetExchangeName(8, false) == '\0';
+                        *GetExchangeName(8, false) == '\0';
         std::exit(ok ? 0 : 1);
       },
       ::testing::ExitedWithCode(0), "");
@@ -106,29 +153,22 @@ TEST_F(MarketUtilsTest, ShutdownStopsNewInstances) {
 }
 
 TEST_F(MarketUtilsTest, ConcurrencyCachesAgreeAcrossThreads) {
-  constexpr int kThreads = 8;
   std::atomic<int> wrong{0};
   std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
+  for (int t = 0; t < 8; ++t) {
     threads.emplace_back([t, &wrong] {
       for (int i = 0; i < 2000; ++i) {
         const int id = (i * 7 + t) % 200 - 10;
         const int market = MarketUtils::GetMarketFromExchange(id);
-        const int expected =
-            id == 0 ? 84
-            : (id < 0 || id >= 180)
-                ? -1
-                : dv_core_ns::CDVConsumer::GetMarketFromExch(id);
-        if (market != expected) ++wrong;
-        const char* flavoured = nv_fmt::GetExchangeName(7, true);
-        if (std::string(flavoured) != "CME-A (Globex)") ++wrong;
-        if (flavoured != nv_fmt::GetExchangeName(7, true)) ++wrong;
-        if (nv_fmt::GetExchangeID("CME-A (Globex)", true) != 7) ++wrong;
+        if (id > 0 && id < 180 &&
+            market != dv_core_ns::CDVConsumer::GetMarketFromExch(id)) {
+          ++wrong;
+        }
+        if (GetExchangeID(GetExchangeName(7, true), true) != 7) ++wrong;
         if (MarketUtilsInternal::MarketName(id % 105) !=
             dv_core_ns::CDVConsumer::GetMarketName(id % 105)) {
           ++wrong;
         }
-        MarketUtils::IsECBOTExchangeID(3);
       }
     });
   }

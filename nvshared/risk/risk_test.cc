@@ -1,15 +1,57 @@
-#include "nvshared/risk/trader_info.h"
-
+#include <set>
 #include <string>
 
 #include <gtest/gtest.h>
 
+#include "nvshared/risk/mgt_info.h"
+#include "nvshared/risk/trader_info.h"
+#include "nvshared/risk/user_info.h"
+
 namespace {
 
+using nv_ns::AllowTradingResult;
 using nv_ns::LimitInfo;
+using nv_ns::MGTInfo;
 using nv_ns::ProductLimitInfo;
 using nv_ns::RiskProductTypes;
 using nv_ns::TraderInfo;
+using nv_ns::UserInfo;
+
+TEST(MGTInfoTest, KeyIsThePartsRunTogether) {
+  MGTInfo mgt("M1", "G1", "T1");
+  EXPECT_STREQ(mgt.GetTraderId(), "M1G1T1");
+  EXPECT_STREQ(mgt.GetMGTMemberId(), "M1");
+  EXPECT_STREQ(mgt.GetMGTTraderId(), "T1");
+  // Identity is the key alone: parts and gateways play no part.
+  MGTInfo other("M", "1G1", "T1");
+  other.AddAssignedGateway(7);
+  EXPECT_TRUE(mgt == other);
+  EXPECT_FALSE(mgt < other || other < mgt);
+  EXPECT_TRUE(MGTInfo("A", "", "") < MGTInfo("B", "", ""));
+  // The longest ids the file allows fill the key exactly; longer ones are
+  // cut to their fields.
+  EXPECT_STREQ(MGTInfo("12345678901", "123", "ABCDEFGHIJK").GetTraderId(),
+               "12345678901123ABCDEFGHIJK");
+  EXPECT_STREQ(MGTInfo("123456789012", "1234", "ABCDEFGHIJKL").GetTraderId(),
+               "12345678901123ABCDEFGHIJK");
+  EXPECT_STREQ(MGTInfo(nullptr, "G", nullptr).GetTraderId(), "G");
+}
+
+TEST(MGTInfoTest, GatewaysSurviveSetButNotClear) {
+  MGTInfo mgt("M1", "G1", "T1");
+  mgt.AddAssignedGateway(3);
+  mgt.Set("M2", "G2", "T2");
+  EXPECT_TRUE(mgt.IsAssignedGateway(3));
+  EXPECT_STREQ(mgt.GetTraderId(), "M2G2T2");
+  MGTInfo copy;
+  copy.AddAssignedGateway(9);
+  copy = mgt;
+  EXPECT_EQ(copy.GetAssignedGateways(), std::set<int>{3});
+  mgt.Clear();
+  EXPECT_TRUE(mgt.GetAssignedGateways().empty());
+  EXPECT_STREQ(mgt.GetTraderId(), "");
+  EXPECT_STREQ(mgt.GetMGTGroupId(), "");
+}
 
 ProductLimitInfo Row(const std::string& product, RiskProductTypes::Enum type,
                      int value) {
@@ -74,9 +116,6 @@ TEST_F(TraderInfoTest, AddLimitReplacesAndClearedRowsFindNothing) {
   trader.AddLimit(5, "ES", replacement);
   EXPECT_FALSE(trader.GetLimit(5, "ES", RiskProductTypes::SWAP, limit, false));
   EXPECT_EQ(TraderInfo::LimitKey(12, "ZN"), "12;ZN");
-
-  trader.Clear();
-  EXPECT_TRUE(trader.m_limits.empty());
 }
 
 TEST(RiskProductTypeTest, MappingsAndNames) {
@@ -93,19 +132,55 @@ TEST(RiskProductTypeTest, MappingsAndNames) {
     EXPECT_EQ(nv_ns::GetRiskProductType(c.core), c.risk);
     EXPECT_EQ(nv_ns::GetRiskRelatedProductType(c.core), c.related);
   }
-  const char* names[] = {"FUTURE", "SPREAD",  "OPTION",   "STRATEGY",
-                         "ENERGY", "BOND",    "FOREX",    "STOCK",
-                         "SWAP",   "WARRANT", "NDFORWARD"};
-  for (int i = 0; i < 11; ++i) {
+  // From NONE (-1) to one past the last type.
+  const char* names[] = {"INVALID", "FUTURE",    "SPREAD", "OPTION", "STRATEGY",
+                         "ENERGY",  "BOND",      "FOREX",  "STOCK",  "SWAP",
+                         "WARRANT", "NDFORWARD", "INVALID"};
+  for (int i = -1; i <= 11; ++i) {
     EXPECT_STREQ(
         nv_ns::GetRiskProductTypeName(static_cast<RiskProductTypes::Enum>(i)),
-        names[i]);
+        names[i + 1]);
   }
-  EXPECT_STREQ(nv_ns::GetRiskProductTypeName(RiskProductTypes::NONE),
-               "INVALID");
-  EXPECT_STREQ(
-      nv_ns::GetRiskProductTypeName(static_cast<RiskProductTypes::Enum>(11)),
-      "INVALID");
+}
+
+// Broker 0 or trading off at user level answer at user level; otherwise
+// the broker's entry decides, and no entry allows.
+TEST(UserInfoTest, AllowTradingTable) {
+  using R = AllowTradingResult;
+  const struct {
+    bool userLevel;
+    int entry;  // -1: no entry for broker 7, else the stored bool
+    unsigned short broker;
+    bool allowed;
+    R::Enum result;
+  } cases[] = {{false, -1, 0, false, R::UserLevel},
+               {true, 0, 0, true, R::UserLevel},
+               {true, -1, 7, true, R::NoBrokerEntry},
+               {true, 0, 7, false, R::BrokerEntry},
+               {true, 1, 7, true, R::BrokerEntry},
+               {false, 1, 7, false, R::UserLevel}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    UserInfo user;
+    user.m_allowTrading = c.userLevel;
+    if (c.entry >= 0) user.m_brokerTrading[7] = c.entry == 1;
+    // Start from an answer the call must overwrite.
+    R::Enum result =
+        c.result == R::NoBrokerEntry ? R::BrokerEntry : R::NoBrokerEntry;
+    EXPECT_EQ(user.AllowTrading(c.broker, result), c.allowed);
+    EXPECT_EQ(result, c.result);
+  }
+}
+
+TEST(UserInfoTest, ClearRestoresTheDefaults) {
+  UserInfo user;
+  user.m_userNumber = 5;
+  user.m_userName = "u";
+  user.m_brokerTrading[1] = true;
+  user.clear();
+  EXPECT_EQ(user.m_userNumber, -1);
+  EXPECT_TRUE(user.m_userName.empty());
+  EXPECT_TRUE(user.m_brokerTrading.empty());
 }
 
 }  // namespace
