@@ -40,9 +40,6 @@ TEST(UDPDataTest, NewRecordDefaultsAndNames) {
   EXPECT_EQ(d.m_UDPriceType, 5);
   EXPECT_EQ(d.m_YieldType, 2);
   EXPECT_EQ(d.m_bEOMConversion + d.m_ExchPriceDisplayType, 2);
-  // The look-ups are the record's own static members.
-  EXPECT_EQ(CUDPData::GetPriceTypeName(nv_ns::UDPPriceType(2)), "");
-  EXPECT_EQ(CUDPData::GetPriceTypeNameEx(nv_ns::UDPPriceType(2)), "Yield");
 }
 
 // The record of the golden bytes: dates 2024-03-15, 2024-05-15, 2023-11-15
@@ -275,25 +272,20 @@ TEST(UDPDataValidateTest, FirstFailureDecides) {
     int freq, code;
   };
   const Case cases[] = {
-      {"valid", 20900301, 20900215, 20900815, false, 1.0, 2, 0},
+      {"valid", 20900301, 20900215, 20900815, false, 1, 2, 0},
       {"factor 5.0 passes", 20900301, 20900215, 20900815, false, 5.0, 2, 0},
       {"factor 0.1 passes", 20900301, 20900215, 20900815, false, 0.1, 2, 0},
       {"factor above 5", 20900301, 20900215, 20900815, false, 5.000001, 2, 2},
       {"settlement at maturity", 20950215, 20900215, 20900815, false, 1, 2, 1},
-      {"settlement now", 0, 20900215, 20900815, false, 1.0, 2, 1},
-      {"optional off: issue after maturity", 20900301, 20990101, 20900815,
-       false, 1.0, 2, 0},
-      {"issue not before first coupon", 20900301, 20900815, 20900815, true, 1,
-       2, 4},
-      {"first coupon not before maturity", 20900301, 20900215, 20950215, true,
-       1.0, 2, 6},
-      {"issue date invalid", 20900301, 20901301, 20900815, true, 1.0, 2, 3},
-      {"first coupon on the calendar", 20900301, 20900215, 20900815, true, 1, 2,
+      {"settlement today", 0, 20900215, 20900815, false, 1, 2, 1},
+      {"optional off, issue late", 20900301, 20990101, 20900815, false, 1, 2,
        0},
-      {"first coupon off the calendar", 20900301, 20900215, 20900820, true, 1,
-       2, 8},
-      {"zero frequency: no calendar, no division", 20900301, 20900215, 20900815,
-       true, 1.0, 0, 8},
+      {"issue on first coupon", 20900301, 20900815, 20900815, true, 1, 2, 4},
+      {"first coupon at maturity", 20900301, 20900215, 20950215, true, 1, 2, 6},
+      {"issue date invalid", 20900301, 20901301, 20900815, true, 1, 2, 3},
+      {"on the calendar", 20900301, 20900215, 20900815, true, 1, 2, 0},
+      {"off the calendar", 20900301, 20900215, 20900820, true, 1, 2, 8},
+      {"zero frequency", 20900301, 20900215, 20900815, true, 1, 0, 8},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);

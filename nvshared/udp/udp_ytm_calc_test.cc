@@ -82,8 +82,7 @@ TEST(CUDPYTMCalcTest, FirstCouponMustLieOnTheCalendarFromMaturity) {
       {"30 Apr, flag off, 31 Oct", 20230101, 20241031, 20300430, 2, false, 8},
       // 31 August without the flag: the last of February, then the 31st.
       {"31 Aug, leap February", 20230101, 20240229, 20300831, 2, false, 0},
-      {"31 Aug, 28 Feb of a leap year", 20230101, 20240228, 20300831, 2, false,
-       8},
+      {"31 Aug, leap 28 Feb", 20230101, 20240228, 20300831, 2, false, 8},
       {"31 Aug, back to the 31st", 20230101, 20240831, 20300831, 2, false, 0},
       {"31 Aug, plain February", 20230101, 20250228, 20300831, 2, false, 0},
       // 28 February without the flag walks back to the 28th of each month.
@@ -95,13 +94,11 @@ TEST(CUDPYTMCalcTest, FirstCouponMustLieOnTheCalendarFromMaturity) {
       {"issue absent", 0, 20240815, 20300215, 2, false, 5},
       {"first coupon absent", 20230101, 0, 20300215, 2, false, 5},
       {"first coupon before issue", 20240901, 20240815, 20300215, 2, false, 7},
-      {"first coupon after maturity", 20230101, 20300815, 20300215, 2, false,
-       7},
+      {"first after maturity", 20230101, 20300815, 20300215, 2, false, 7},
       {"issue on maturity", 20300215, 20300215, 20300215, 2, false, 8},
-      {"issue on the calendar date before", 20240815, 20250215, 20300215, 2,
-       false, 0},
-      {"issue on a calendar date, first off it", 20240815, 20250214, 20300215,
-       2, false, 8},
+      {"issue on calendar", 20240815, 20250215, 20300215, 2, false, 0},
+      {"issue on calendar, first off", 20240815, 20250214, 20300215, 2, false,
+       8},
       {"zero frequency", 20230101, 20240815, 20300215, 0, false, 8},
   };
   const UDPDateTime none(1e12);  // invalid status: absent
