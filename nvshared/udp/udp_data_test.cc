@@ -213,9 +213,13 @@ TEST_F(UDPDataStoreTest, SaveWritesEveryKeyExactlyAndLoadReadsItBack) {
   }
   // The trimmed name would be another value.
   EXPECT_FALSE(store_.ExistRegValue("UserDefinedPrice", "UDP Retain settings"));
-  // Key-values and dates are not stored: start from a record that has them.
-  CUDPData back = GoldenRecord();
+  CUDPData back;
   ASSERT_EQ(back.LoadSaveSettings(true), 1);
+  back.m_vectUDPKeyValue = record_.m_vectUDPKeyValue;          // not stored
+  back.SetSettlementDate(record_.GetSettlementDate(), false);  // nor these
+  back.SetMaturityDate(record_.GetMaturityDate(), false);
+  back.SetIssueDate(record_.GetIssueDate(), false);
+  back.SetFirstCouponDate(record_.GetFirstCouponDate());
   EXPECT_TRUE(back == record_);
 }
 
