@@ -5,7 +5,6 @@
 
 #include <cmath>
 #include <iterator>
-#include <limits>
 #include <string>
 #include <tuple>
 #include <utility>
@@ -14,6 +13,7 @@
 #include <gtest/gtest.h>
 
 #include "nvshared/platform/utils/registry_mgr.h"
+#include "nvshared/testing/bond_terms.h"
 #include "nvshared/testing/hex_bytes.h"
 
 namespace {
@@ -21,12 +21,12 @@ namespace {
 using nv_ns::UDPDateTime;
 using nvshared::testing::HexBytes;
 using nvshared::testing::ToHex;
-
-UDPDateTime Day(int y, int m, int d) { return UDPDateTime(y, m, d, 0, 0, 0); }
+using nvshared::testing::Ymd;
 
 std::string Today() {
   const UDPDateTime now = UDPDateTime::GetTickCount();
-  return Day(now.GetYear(), now.GetMonth(), now.GetDay()).Format(0, 1024);
+  return UDPDateTime(now.GetYear(), now.GetMonth(), now.GetDay(), 0, 0, 0)
+      .Format(0, 1024);
 }
 
 TEST(UDPDataTest, NewRecordDefaultsAndNames) {
@@ -40,9 +40,6 @@ TEST(UDPDataTest, NewRecordDefaultsAndNames) {
   EXPECT_EQ(d.m_UDPriceType, 5);
   EXPECT_EQ(d.m_YieldType, 2);
   EXPECT_EQ(d.m_bEOMConversion + d.m_ExchPriceDisplayType, 2);
-  // The look-ups are the record's own static members.
-  EXPECT_EQ(CUDPData::GetPriceTypeName(nv_ns::UDPPriceType(2)), "");
-  EXPECT_EQ(CUDPData::GetPriceTypeNameEx(nv_ns::UDPPriceType(2)), "Yield");
 }
 
 // The record of the golden bytes: dates 2024-03-15, 2024-05-15, 2023-11-15
@@ -52,10 +49,10 @@ CUDPData GoldenRecord() {
   CUDPData d;
   d.m_bEnableUDP = 1;
   d.m_bEOMConversion = 1;
-  d.SetSettlementDate(Day(2024, 3, 15), false);
-  d.SetFirstCouponDate(Day(2024, 5, 15));
-  d.SetIssueDate(Day(2023, 11, 15), false);
-  d.SetMaturityDate(Day(2034, 2, 15), false);
+  d.SetSettlementDate(Ymd(20240315), false);
+  d.SetFirstCouponDate(Ymd(20240515));
+  d.SetIssueDate(Ymd(20231115), false);
+  d.SetMaturityDate(Ymd(20340215), false);
   d.m_dConvFactor = 1.0;
   d.m_dCoupon = 4.25;
   d.m_UDPriceType = 3;
@@ -68,11 +65,9 @@ CUDPData GoldenRecord() {
 }
 
 // Writer `version` (low byte), old codes and new codes as hex bytes.
-std::string GoldenBytes(const char* version, const char* oldPrice,
-                        const char* oldYield, const char* price,
-                        const char* yield) {
-  const std::string v = version, op = oldPrice, oy = oldYield, p = price,
-                    y = yield;
+std::string GoldenBytes(const std::string& v, const std::string& op,
+                        const std::string& oy, const std::string& p,
+                        const std::string& y) {
   return HexBytes(
       "01 5e 01 | " + v +
       " 00 00 08 | 'C' 'U' 'D' 'P' 'D'"
@@ -184,22 +179,18 @@ const Key kKeys[] = {
     {"UDP Version", "8.0.0.0", Kind::kString, "8.0.0.0"},
 };
 
-CUDPData StoreRecord() {
-  CUDPData d = GoldenRecord();
-  d.m_bRetainUDPSetting = d.m_bConvertTo365 = 1;
-  d.m_iOffset = 3;
-  d.m_iDecimal = 4;
-  d.m_dStripBase = 0.5;
-  d.m_YieldType = 4;
-  return d;
-}
-
+// The golden record with every stored field away from its default.
 class UDPDataStoreTest : public ::testing::Test {
  protected:
   UDPDataStoreTest() : store_(CRegistryMgr::Instance(1)) {
     store_.Clear();
     previous_ = nv_ns::DMUtils::SetPropertySink(
         [this](const nv_ns::DMProperty& p) { seen_.push_back(p); });
+    record_.m_bRetainUDPSetting = record_.m_bConvertTo365 = 1;
+    record_.m_iOffset = 3;
+    record_.m_iDecimal = 4;
+    record_.m_dStripBase = 0.5;
+    record_.m_YieldType = 4;
   }
   ~UDPDataStoreTest() override {
     store_.Clear();
@@ -210,11 +201,11 @@ class UDPDataStoreTest : public ::testing::Test {
   CRegistryMgr& store_;
   std::vector<nv_ns::DMProperty> seen_;
   nv_ns::DMUtils::PropertySink previous_;
+  CUDPData record_ = GoldenRecord();
 };
 
 TEST_F(UDPDataStoreTest, SaveWritesEveryKeyExactlyAndLoadReadsItBack) {
-  const CUDPData d = StoreRecord();
-  ASSERT_EQ(CUDPData(d).LoadSaveSettings(false), 1);
+  ASSERT_EQ(CUDPData(record_).LoadSaveSettings(false), 1);
   for (const Key& k : kKeys) {
     SCOPED_TRACE(k.key);
     EXPECT_EQ(store_.ReadRegString("UserDefinedPrice", k.key, "-", 1),
@@ -224,12 +215,12 @@ TEST_F(UDPDataStoreTest, SaveWritesEveryKeyExactlyAndLoadReadsItBack) {
   EXPECT_FALSE(store_.ExistRegValue("UserDefinedPrice", "UDP Retain settings"));
   CUDPData back;
   ASSERT_EQ(back.LoadSaveSettings(true), 1);
-  back.m_vectUDPKeyValue = d.m_vectUDPKeyValue;  // not stored, nor the dates
-  back.SetSettlementDate(d.GetSettlementDate(), false);
-  back.SetMaturityDate(d.GetMaturityDate(), false);
-  back.SetIssueDate(d.GetIssueDate(), false);
-  back.SetFirstCouponDate(d.GetFirstCouponDate());
-  EXPECT_TRUE(back == d);
+  back.m_vectUDPKeyValue = record_.m_vectUDPKeyValue;          // not stored
+  back.SetSettlementDate(record_.GetSettlementDate(), false);  // nor these
+  back.SetMaturityDate(record_.GetMaturityDate(), false);
+  back.SetIssueDate(record_.GetIssueDate(), false);
+  back.SetFirstCouponDate(record_.GetFirstCouponDate());
+  EXPECT_TRUE(back == record_);
 }
 
 TEST_F(UDPDataStoreTest, StoreWithoutVersionHoldsOldCodes) {
@@ -253,13 +244,11 @@ TEST_F(UDPDataStoreTest, StoreWithoutVersionHoldsOldCodes) {
 }
 
 TEST_F(UDPDataStoreTest, TwentyFivePropertiesInOrderInEachScope) {
-  const CUDPData d = StoreRecord();
-  const nv_ns::DMWindowInfo window{7, "Bonds"};
-  d.GenDMDefaultProps();  // reporting is off: nothing
+  record_.GenDMDefaultProps();  // reporting is off: nothing
   nv_ns::DMUtils::s_bDMEnabled = true;
-  d.GenDMDefaultProps();
-  d.GenDMGlobalProps(true);
-  d.GenDMLocalProps(false, window);
+  record_.GenDMDefaultProps();
+  record_.GenDMGlobalProps(true);
+  record_.GenDMLocalProps(false, nv_ns::DMWindowInfo{7, "Bonds"});
   ASSERT_EQ(seen_.size(), 75u);
   for (std::size_t i = 0; i < seen_.size(); ++i) {
     const nv_ns::DMProperty& p = seen_[i];
@@ -276,44 +265,40 @@ TEST_F(UDPDataStoreTest, TwentyFivePropertiesInOrderInEachScope) {
 }
 
 // ---------------------------------------------------------------------------
-// ValidateData.
+// ValidateData and comparisons.
 
 TEST(UDPDataValidateTest, FirstFailureDecides) {
   struct Case {
     const char* what;
-    UDPDateTime settle, issue, first;
+    int settle, issue, first;  // settle 0: now; maturity is 2095-02-15
     bool optional;
     double factor;
-    int freq;
-    int code;
+    int freq, code;
   };
-  const UDPDateTime s = Day(2090, 3, 1), i = Day(2090, 2, 15),
-                    f = Day(2090, 8, 15), bad(2090, 13, 1, 0, 0, 0);
   const Case cases[] = {
-      {"valid", s, i, f, false, 1.0, 2, 0},
-      {"factor 5.0 passes", s, i, f, false, 5.0, 2, 0},
-      {"factor 0.1 passes", s, i, f, false, 0.1, 2, 0},
-      {"factor above 5", s, i, f, false, 5.000001, 2, 2},
-      {"settlement at maturity", Day(2095, 2, 15), i, f, false, 1.0, 2, 1},
-      {"settlement today", UDPDateTime::GetTickCount(), i, f, false, 1.0, 2, 1},
-      {"optional off: issue after maturity", s, Day(2099, 1, 1), f, false, 1.0,
-       2, 0},
-      {"issue not before first coupon", s, f, f, true, 1.0, 2, 4},
-      {"first coupon not before maturity", s, i, Day(2095, 2, 15), true, 1.0, 2,
-       6},
-      {"issue date invalid", s, bad, f, true, 1.0, 2, 3},
-      {"first coupon on the calendar", s, i, f, true, 1.0, 2, 0},
-      {"first coupon off the calendar", s, i, Day(2090, 8, 20), true, 1.0, 2,
-       8},
-      {"zero frequency: no calendar, no division", s, i, f, true, 1.0, 0, 8},
+      {"valid", 20900301, 20900215, 20900815, false, 1, 2, 0},
+      {"factor 5.0 passes", 20900301, 20900215, 20900815, false, 5.0, 2, 0},
+      {"factor 0.1 passes", 20900301, 20900215, 20900815, false, 0.1, 2, 0},
+      {"factor above 5", 20900301, 20900215, 20900815, false, 5.000001, 2, 2},
+      {"settlement at maturity", 20950215, 20900215, 20900815, false, 1, 2, 1},
+      {"settlement today", 0, 20900215, 20900815, false, 1, 2, 1},
+      {"optional off, issue late", 20900301, 20990101, 20900815, false, 1, 2,
+       0},
+      {"issue on first coupon", 20900301, 20900815, 20900815, true, 1, 2, 4},
+      {"first coupon at maturity", 20900301, 20900215, 20950215, true, 1, 2, 6},
+      {"issue date invalid", 20900301, 20901301, 20900815, true, 1, 2, 3},
+      {"on the calendar", 20900301, 20900215, 20900815, true, 1, 2, 0},
+      {"off the calendar", 20900301, 20900215, 20900820, true, 1, 2, 8},
+      {"zero frequency", 20900301, 20900215, 20900815, true, 1, 0, 8},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.what);
     CUDPData d;
-    d.SetSettlementDate(c.settle, false);
-    d.SetIssueDate(c.issue, false);
-    d.SetFirstCouponDate(c.first);
-    d.SetMaturityDate(Day(2095, 2, 15), false);
+    d.SetSettlementDate(c.settle ? Ymd(c.settle) : UDPDateTime::GetTickCount(),
+                        false);
+    d.SetIssueDate(Ymd(c.issue), false);
+    d.SetFirstCouponDate(Ymd(c.first));
+    d.SetMaturityDate(Ymd(20950215), false);
     d.m_bYTMOptionalSettings = c.optional;
     d.m_dConvFactor = c.factor;
     d.m_CouponFreq = c.freq;
@@ -322,9 +307,6 @@ TEST(UDPDataValidateTest, FirstFailureDecides) {
     EXPECT_TRUE(d == before);
   }
 }
-
-// ---------------------------------------------------------------------------
-// Comparisons.
 
 TEST(UDPDataCompareTest, FirstDifferenceDecides) {
   using Change = void (*)(CUDPData&);
@@ -368,11 +350,11 @@ TEST(UDPDataSettersTest, EveryMatchingKeyValueFollowsTheTerms) {
   for (const auto& [type, key] : items) {
     d.m_vectUDPKeyValue.emplace_back(type, key, "-", "", "", "");
   }
-  d.SetMaturityDate(Day(2034, 2, 15), false);  // the field alone
+  d.SetMaturityDate(Ymd(20340215), false);  // the field alone
   EXPECT_EQ(d.m_vectUDPKeyValue[0].GetValue(), "-");
-  d.SetMaturityDate(Day(2034, 2, 15), true);
-  d.SetSettlementDate(Day(2024, 3, 15), true);
-  d.SetIssueDate(Day(2023, 11, 15), true);
+  d.SetMaturityDate(Ymd(20340215), true);
+  d.SetSettlementDate(Ymd(20240315), true);
+  d.SetIssueDate(Ymd(20231115), true);
   d.SetCouponFreq(4, true);
   d.SetCoupon(1.0 / 3.0, true);
   const char* expected[] = {
@@ -387,28 +369,27 @@ TEST(UDPDataSettersTest, EveryMatchingKeyValueFollowsTheTerms) {
 TEST(UDPDataSeedingTest, DeliveryDates) {
   struct Case {
     const char* product;
-    UDPDateTime contract;
+    int contract;
     const char* model;
     bool keep;
     const char* before;
     const char* after;  // null: today
   };
-  const UDPDateTime june = Day(2024, 6, 10);
   const Case cases[] = {
       // June 2024 ends on a Sunday, August 2024 on a Saturday.
-      {"ZN", june, "", false, "x", "06/28/2024"},
-      {"ZB", Day(2024, 8, 30), "", false, "x", "08/30/2024"},
+      {"ZN", 20240610, "", false, "x", "06/28/2024"},
+      {"ZB", 20240830, "", false, "x", "08/30/2024"},
       // December rolls to January 2025: Wed 1, Thu 2, Fri 3.
-      {"ZT", Day(2024, 12, 20), "", false, "x", "01/03/2025"},
+      {"ZT", 20241220, "", false, "x", "01/03/2025"},
       // June 2024 starts on a Saturday, July on a Monday.
-      {"ZF", Day(2024, 5, 1), "", false, "x", "06/05/2024"},
-      {"ZF", june, "", false, "x", "07/03/2024"},
-      {"ZN", june, "Net Carry", true, "x", "06/28/2024"},  // product first
-      {"FGBL", june, "", false, "x", nullptr},
-      {"FGBL", june, "Net Carry", true, "x", "x"},
-      {"FGBL", june, "Net Carry", true, "", nullptr},  // empty is not kept
-      {"FGBL", june, "Other", true, "x", nullptr},
-      {"ZN", UDPDateTime(2024, 2, 30, 0, 0, 0), "", false, "x", "x"},
+      {"ZF", 20240501, "", false, "x", "06/05/2024"},
+      {"ZF", 20240610, "", false, "x", "07/03/2024"},
+      {"ZN", 20240610, "Net Carry", true, "x", "06/28/2024"},  // product first
+      {"FGBL", 20240610, "", false, "x", nullptr},
+      {"FGBL", 20240610, "Net Carry", true, "x", "x"},
+      {"FGBL", 20240610, "Net Carry", true, "", nullptr},  // empty: not kept
+      {"FGBL", 20240610, "Other", true, "x", nullptr},
+      {"ZN", 20240230, "", false, "x", "x"},  // invalid contract date
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(std::string(c.product) + " " + c.model);
@@ -419,7 +400,7 @@ TEST(UDPDataSeedingTest, DeliveryDates) {
                                        "");
     }
     d.m_vectUDPKeyValue.emplace_back("date", "Contract Date", "y", "", "", "");
-    d.SetMiscContractInfo(c.product, c.contract, true, c.keep);
+    d.SetMiscContractInfo(c.product, Ymd(c.contract), true, c.keep);
     for (int i : {0, 1}) {
       const std::string value = d.m_vectUDPKeyValue[i].GetValue();
       // Today comes with the time of day.
@@ -427,11 +408,9 @@ TEST(UDPDataSeedingTest, DeliveryDates) {
                 c.after ? c.after : Today());
     }
     EXPECT_EQ(d.m_vectUDPKeyValue[2].GetValue(), c.before);
-    const bool valid = c.contract.GetStatus() == UDPDateTime::valid;
+    const bool valid = Ymd(c.contract).GetStatus() == UDPDateTime::valid;
     EXPECT_EQ(d.m_vectUDPKeyValue[3].GetValue(),
-              !valid ? "y"
-                     : Day(c.contract.GetYear(), c.contract.GetMonth(), 1)
-                           .Format(0, 1024));
+              valid ? Ymd(c.contract / 100 * 100 + 1).Format(0, 1024) : "y");
   }
 }
 
@@ -450,8 +429,7 @@ TEST(UDPDataSeedingTest, ConversionFactorTypeAndApply) {
                     "ZT;ZN;ZB"),
         UDPKeyValue("date", "Delivery Date", "kept", "", "", "")};
     // An invalid contract date still lets the factor type through.
-    d.SetMiscContractInfo(product, UDPDateTime(2024, 13, 1, 0, 0, 0), apply,
-                          false);
+    d.SetMiscContractInfo(product, Ymd(20241301), apply, false);
     EXPECT_EQ(d.m_vectUDPKeyValue[0].GetValue(), expected);
     EXPECT_EQ(d.m_vectUDPKeyValue[1].GetValue(), "kept");
   }

@@ -73,13 +73,5 @@ TEST(UDPEnumNamesTest, DayCountAndFrequencyNames) {
   }
 }
 
-TEST(UDPEnumNamesTest, NamesAreStableReferences) {
-  const std::string& a = UDPEnumNames::GetPriceTypeName(UDPPriceType(99));
-  const std::string& b = UDPEnumNames::GetCouponFreqString(UDPCouponFreq(3));
-  EXPECT_EQ(&a, &b);  // the one "Invalid"
-  EXPECT_EQ(&UDPEnumNames::GetPriceTypeNameEx(UDPPriceType::ParRate),
-            &UDPEnumNames::GetPriceTypeNameEx(UDPPriceType::ParRate));
-}
-
 }  // namespace
 }  // namespace nv_ns

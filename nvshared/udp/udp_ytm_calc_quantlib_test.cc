@@ -2,9 +2,6 @@
 // bond arithmetic, under Actual/Actual (ISMA), where its conventions and the
 // calculator's coincide: regular bonds and long first periods of two
 // quasi-coupon periods, or of three with settlement before the newest.
-#include <string>
-#include <vector>
-
 #include <gtest/gtest.h>
 #include <ql/instruments/bonds/fixedratebond.hpp>
 #include <ql/pricingengines/bond/bondfunctions.hpp>
@@ -12,134 +9,80 @@
 #include <ql/time/daycounters/actualactual.hpp>
 #include <ql/time/schedule.hpp>
 
-#include "nvshared/platform/utils/udp_date_time.h"
+#include "nvshared/testing/bond_terms.h"
 #include "nvshared/udp/udp_ytm_calc.h"
 
 namespace {
 
 namespace ql = QuantLib;
-using nv_ns::UDPDateTime;
+using nvshared::testing::BondTerms;
 
-struct Case {
-  const char* name;
-  int settlement[3], maturity[3];
-  int issue[3];  // {0,0,0}: regular, from a coupon date before settlement
-  int first[3];  // first coupon date, with issue
-  int frequency;
-  double coupon;  // percent
-  double yield;   // percent
-};
-
-ql::Date QlDate(const int d[3]) {
-  return ql::Date(d[2], static_cast<ql::Month>(d[1]), d[0]);
-}
-
-UDPDateTime Udp(const int d[3]) {
-  return UDPDateTime(d[0], d[1], d[2], 0, 0, 0);
-}
-
-ql::Frequency QlFrequency(int f) {
-  return f == 1   ? ql::Annual
-         : f == 2 ? ql::Semiannual
-         : f == 4 ? ql::Quarterly
-                  : ql::Monthly;
+ql::Date QlDate(int ymd) {
+  return ql::Date(ymd % 100, static_cast<ql::Month>(ymd / 100 % 100),
+                  ymd / 10000);
 }
 
 TEST(CUDPYTMCalcQuantLibTest, AgreesUnderActualActual) {
+  struct Case {
+    const char* name;
+    int settlement, maturity;
+    int issue, first;  // 0: regular, from a coupon date before settlement
+    int frequency;
+    double coupon, yield;  // percent
+  };
   const Case cases[] = {
-      {"10y semi", {2024, 3, 10}, {2034, 2, 15}, {0}, {0}, 2, 4.5, 5.25},
-      {"annual", {2024, 7, 1}, {2031, 11, 20}, {0}, {0}, 1, 6.0, 3.1},
-      {"quarterly", {2024, 5, 2}, {2029, 1, 10}, {0}, {0}, 4, 2.75, 4.0},
-      {"monthly", {2024, 5, 2}, {2026, 7, 20}, {0}, {0}, 12, 5.0, 5.5},
-      {"deep discount", {2024, 1, 31}, {2054, 6, 1}, {0}, {0}, 2, 1.0, 8.0},
-      {"premium", {2024, 9, 30}, {2039, 3, 1}, {0}, {0}, 2, 9.5, 2.0},
-      {"leap day inside", {2024, 2, 10}, {2033, 8, 25}, {0}, {0}, 2, 3.0, 3.0},
-      {"long first, 2 quasi, early",
-       {2024, 2, 1},
-       {2030, 6, 15},
-       {2024, 1, 10},
-       {2024, 12, 15},
-       2,
-       6.0,
-       5.5},
-      {"long first, 2 quasi, late",
-       {2024, 8, 20},
-       {2030, 6, 15},
-       {2024, 1, 10},
-       {2024, 12, 15},
-       2,
-       6.0,
-       5.5},
-      {"long first, 3 quasi, middle",
-       {2024, 8, 20},
-       {2030, 6, 15},
-       {2024, 1, 10},
-       {2025, 6, 15},
-       2,
-       6.0,
-       7.0},
-      {"long first, 3 quasi, oldest",
-       {2024, 3, 1},
-       {2030, 6, 15},
-       {2024, 1, 10},
-       {2025, 6, 15},
-       2,
-       4.0,
-       3.5},
-      {"long first, annual",
-       {2024, 5, 1},
-       {2035, 3, 20},
-       {2023, 11, 7},
-       {2025, 3, 20},
-       1,
-       5.0,
+      {"10y semi", 20240310, 20340215, 0, 0, 2, 4.5, 5.25},
+      {"annual", 20240701, 20311120, 0, 0, 1, 6.0, 3.1},
+      {"quarterly", 20240502, 20290110, 0, 0, 4, 2.75, 4.0},
+      {"monthly", 20240502, 20260720, 0, 0, 12, 5.0, 5.5},
+      {"deep discount", 20240131, 20540601, 0, 0, 2, 1.0, 8.0},
+      {"premium", 20240930, 20390301, 0, 0, 2, 9.5, 2.0},
+      {"leap day inside", 20240210, 20330825, 0, 0, 2, 3.0, 3.0},
+      {"long first, 2 quasi, early", 20240201, 20300615, 20240110, 20241215, 2,
+       6.0, 5.5},
+      {"long first, 2 quasi, late", 20240820, 20300615, 20240110, 20241215, 2,
+       6.0, 5.5},
+      {"long first, 3 quasi, middle", 20240820, 20300615, 20240110, 20250615, 2,
+       6.0, 7.0},
+      {"long first, 3 quasi, oldest", 20240301, 20300615, 20240110, 20250615, 2,
+       4.0, 3.5},
+      {"long first, annual", 20240501, 20350320, 20231107, 20250320, 1, 5.0,
        4.25},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
-    const bool regular = c.issue[0] == 0;
+    const bool regular = c.issue == 0;
     const ql::Date maturity = QlDate(c.maturity);
     const ql::Date settlement = QlDate(c.settlement);
-    const ql::Period tenor(QlFrequency(c.frequency));
+    const ql::Frequency frequency = static_cast<ql::Frequency>(c.frequency);
+    const ql::Period tenor(frequency);
     // A regular bond is dated a few coupons back so that settlement falls in
     // an ordinary period.
-    ql::Date start = regular ? ql::Date() : QlDate(c.issue);
-    if (regular) {
-      start = maturity;
-      while (start > settlement) start -= tenor;
-      start -= tenor;
-    }
-    const ql::Date first = regular ? ql::Date() : QlDate(c.first);
+    ql::Date start = regular ? maturity : QlDate(c.issue);
+    while (regular && start > settlement) start -= tenor;
+    if (regular) start -= tenor;
     const ql::Schedule schedule(start, maturity, tenor, ql::NullCalendar(),
                                 ql::Unadjusted, ql::Unadjusted,
-                                ql::DateGeneration::Backward, false, first);
+                                ql::DateGeneration::Backward, false,
+                                regular ? ql::Date() : QlDate(c.first));
     // The classic ISMA form, which splits a long period into quasi-coupon
     // periods counted back from the coupon's reference period.
     const ql::ActualActual dayCounter(ql::ActualActual::ISMA);
     const ql::FixedRateBond bond(0, 100.0, schedule, {c.coupon / 100.0},
                                  dayCounter, ql::Unadjusted, 100.0, start);
-    const double qlPrice = ql::BondFunctions::cleanPrice(
-        bond, c.yield / 100.0, dayCounter, ql::Compounded,
-        QlFrequency(c.frequency), settlement);
+    const double qlPrice =
+        ql::BondFunctions::cleanPrice(bond, c.yield / 100.0, dayCounter,
+                                      ql::Compounded, frequency, settlement);
     const double qlYield =
-        100.0 * ql::BondFunctions::yield(
-                    bond, qlPrice, dayCounter, ql::Compounded,
-                    QlFrequency(c.frequency), settlement, 1e-14, 200);
+        100.0 * ql::BondFunctions::yield(bond, qlPrice, dayCounter,
+                                         ql::Compounded, frequency, settlement,
+                                         1e-14, 200);
 
-    const UDPDateTime s = Udp(c.settlement), m = Udp(c.maturity);
-    const UDPDateTime d = regular ? UDPDateTime() : Udp(c.issue);
-    const UDPDateTime f = regular ? UDPDateTime() : Udp(c.first);
-    CUDPYTMCalc::CalcParams p;
-    p.m_pSettlement = &s;
-    p.m_pMaturity = &m;
-    p.m_pIssue = &d;
-    p.m_pFirstCoupon = &f;
-    p.m_CouponFreq = c.frequency;
-    p.m_DayCount = 0;
-    p.m_dCoupon = c.coupon;
-    p.m_bYTMOptionalSettings = !regular;
+    BondTerms b =
+        BondTerms::Make(c.settlement, c.maturity, c.coupon, 0, c.frequency);
+    if (!regular) b.FirstPeriod(c.issue, c.first);
     CUDPYTMCalc calc;
-    ASSERT_TRUE(calc.Initialize(p));
+    ASSERT_TRUE(calc.Initialize(b.Params()));
     EXPECT_STREQ(calc.GetShapeName(), regular ? "regular" : "long first");
     double price = 0.0;
     ASSERT_TRUE(calc.CalcPriceFromYield(c.yield, price));
