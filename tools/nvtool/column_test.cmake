@@ -1,24 +1,13 @@
 # End-to-end checks of `nvtool column`, run by CTest as `cmake -P`:
 #   -DNVTOOL=<binary> -DSOURCE_DIR=<repository> -DWORK_DIR=<scratch dir>
-file(REMOVE_RECURSE "${WORK_DIR}")
-file(MAKE_DIRECTORY "${WORK_DIR}")
+include("${CMAKE_CURRENT_LIST_DIR}/cli_test_common.cmake")
 
 # column(<expected exit> <stdin file> <stdout regex> <stderr regex> args...)
 # leaves the standard output in `last_out`.
 function(column expected_rc input out_regex err_regex)
-  execute_process(COMMAND "${NVTOOL}" column ${ARGN}
-    INPUT_FILE "${input}"
-    RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
-  if(NOT rc EQUAL expected_rc)
-    message(SEND_ERROR "column ${ARGN}: exit ${rc}, expected ${expected_rc}\n${out}${err}")
-  endif()
-  if(NOT out MATCHES "${out_regex}")
-    message(SEND_ERROR "column ${ARGN}: stdout does not match '${out_regex}':\n${out}")
-  endif()
-  if(NOT err MATCHES "${err_regex}")
-    message(SEND_ERROR "column ${ARGN}: stderr does not match '${err_regex}':\n${err}")
-  endif()
-  set(last_out "${out}" PARENT_SCOPE)
+  set(run_input "${input}")
+  run(${expected_rc} "${out_regex}" "${err_regex}" column ${ARGN})
+  set(last_out "${last_out}" PARENT_SCOPE)
 endfunction()
 
 set(prices "${SOURCE_DIR}/data/sample-column-prices.txt")

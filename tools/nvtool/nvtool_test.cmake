@@ -1,26 +1,6 @@
 # End-to-end checks of nvtool, run by CTest as `cmake -P`:
 #   -DNVTOOL=<binary> -DSOURCE_DIR=<repository> -DWORK_DIR=<scratch dir>
-file(REMOVE_RECURSE "${WORK_DIR}")
-file(MAKE_DIRECTORY "${WORK_DIR}")
-
-# run(<expected exit> <stdout must match> <stderr must match> args...)
-function(run expected_rc out_regex err_regex)
-  execute_process(COMMAND "${NVTOOL}" ${ARGN}
-    RESULT_VARIABLE rc OUTPUT_VARIABLE out ERROR_VARIABLE err)
-  if(expected_rc STREQUAL "nonzero")
-    if(rc EQUAL 0)
-      message(SEND_ERROR "nvtool ${ARGN}: exit 0, expected non-zero\n${out}")
-    endif()
-  elseif(NOT rc EQUAL expected_rc)
-    message(SEND_ERROR "nvtool ${ARGN}: exit ${rc}, expected ${expected_rc}\n${out}${err}")
-  endif()
-  if(NOT out MATCHES "${out_regex}")
-    message(SEND_ERROR "nvtool ${ARGN}: stdout does not match '${out_regex}':\n${out}")
-  endif()
-  if(NOT err MATCHES "${err_regex}")
-    message(SEND_ERROR "nvtool ${ARGN}: stderr does not match '${err_regex}':\n${err}")
-  endif()
-endfunction()
+include("${CMAKE_CURRENT_LIST_DIR}/cli_test_common.cmake")
 
 # Help on every level.
 run(0 "exchanges.*demo.*name" "^$" --help)
