@@ -33,6 +33,7 @@
 #include "nvshared/platform/core/ids.h"
 #include "nvshared/platform/core/legs.h"
 #include "nvshared/platform/core/market_table.h"
+#include "nvshared/platform/core/opaque_data_message.h"
 #include "nvshared/platform/core/reference_data.h"
 
 // Platform: logger, operating-system services, handler chain, diagnostics.
@@ -46,6 +47,9 @@
 #include "nvshared/platform/utils/dm_utils.h"
 #include "nvshared/platform/utils/exception_handler.h"
 #include "nvshared/platform/utils/udp_date_time.h"
+#include "nvshared/platform/utils/agile_streamable.h"
+#include "nvshared/platform/utils/data_buffer.h"
+#include "nvshared/platform/utils/opaque_capture.h"
 
 // User-defined prices.
 #include "nvshared/udp/udp_enums.h"
@@ -100,6 +104,11 @@
 // Router messages over the core stream, and their registration with a
 // router.
 #include "nvshared/messaging/common_messages.h"
+#include "nvshared/messaging/comparable.h"
+#include "nvshared/messaging/impersonation_data.h"
+#include "nvshared/messaging/internal_messages.h"
+#include "nvshared/messaging/opaque_blocks.h"
+#include "nvshared/messaging/opaque_messages.h"
 #include "nvshared/messaging/impersonate_user_request.h"
 #include "nvshared/messaging/impersonate_user_response.h"
 #include "nvshared/messaging/message_router.h"
