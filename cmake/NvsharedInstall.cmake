@@ -15,6 +15,7 @@ install(DIRECTORY "${PROJECT_SOURCE_DIR}/nvshared/"
   FILES_MATCHING PATTERN "*.h"
   PATTERN "internal" EXCLUDE
   PATTERN "testing" EXCLUDE
+  REGEX "platform/os" EXCLUDE
   PATTERN "*_test.h" EXCLUDE)
 install(FILES "${PROJECT_BINARY_DIR}/include/nvshared/version.h"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/nvshared")

@@ -15,6 +15,17 @@ endfunction()
 
 step(${CMAKE_COMMAND} --install "${BUILD_DIR}" --prefix "${stage}")
 
+# The installed tool finds the installed library by its run path, with no
+# LD_LIBRARY_PATH, and answers.
+if(EXISTS "${stage}/bin/nvtool")
+  set(ENV{LD_LIBRARY_PATH} "")
+  step("${stage}/bin/nvtool" --version)
+  if(NOT step_output MATCHES "libnvshared\\.so")
+    message(FATAL_ERROR "unexpected nvtool --version:\n${step_output}")
+  endif()
+  step("${stage}/bin/nvtool" name ESH4)
+endif()
+
 # find_package(nvshared CONFIG REQUIRED)
 step(${CMAKE_COMMAND} -S "${SOURCE_DIR}/examples/consumer"
      -B "${WORK_DIR}/cmake-build" -G "${GENERATOR}"

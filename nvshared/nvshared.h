@@ -28,6 +28,7 @@
 #include "nvshared/platform/core/agile_enums.h"
 #include "nvshared/platform/core/char_ptr_wrapper.h"
 #include "nvshared/platform/core/consumer.h"
+#include "nvshared/platform/core/sys_rename_process.h"
 #include "nvshared/platform/core/core_class.h"
 #include "nvshared/platform/core/date_time.h"
 #include "nvshared/platform/core/ids.h"
@@ -36,14 +37,11 @@
 #include "nvshared/platform/core/opaque_data_message.h"
 #include "nvshared/platform/core/reference_data.h"
 
-// Platform: logger, operating-system services, handler chain, diagnostics.
+// Platform: logger, handler chain, diagnostics, dates.
 #include "nvshared/platform/log/file_sink.h"
 #include "nvshared/platform/log/log_sink.h"
 #include "nvshared/platform/log/logger.h"
 #include "nvshared/platform/log/memory_sink.h"
-#include "nvshared/platform/os/module_handle.h"
-#include "nvshared/platform/os/process_name.h"
-#include "nvshared/platform/os/wide_text.h"
 #include "nvshared/platform/utils/agile_streamable.h"
 #include "nvshared/platform/utils/data_buffer.h"
 #include "nvshared/platform/utils/dm_utils.h"
@@ -55,13 +53,9 @@
 #include "nvshared/udp/udp_enums.h"
 #include "nvshared/udp/udp_ytm_calc.h"
 
-// Gateway login configuration, with the profile files and settings store it
-// reads.
+// Gateway login configuration, with the settings store it reads.
 #include "nvshared/mgt/mgt.h"
 #include "nvshared/mgt/mgt_ini.h"
-#include "nvshared/platform/os/atomic_file.h"
-#include "nvshared/platform/os/inet_address.h"
-#include "nvshared/platform/os/profile_file.h"
 #include "nvshared/platform/utils/registry_mgr.h"
 
 // Defaults selection: keys, matching and the default records, with the
@@ -89,7 +83,6 @@
 #include "nvshared/messaging/spread_info.h"
 #include "nvshared/messaging/xstream_trace.h"
 #include "nvshared/messaging/xstreamable.h"
-#include "nvshared/platform/os/time_zone.h"
 
 // The core stream: flat buffer, Protocol back end, streamables and their
 // factories.

@@ -12,6 +12,8 @@ NVSHARED_PACKAGES=(
   libquantlib0-dev
   libprotobuf-dev protobuf-compiler
 )
+# The coverage report (scripts/coverage.sh).
+NVSHARED_COVERAGE_PACKAGES=(gcovr)
 # The fuzz build: clang with its libFuzzer and sanitizer runtimes.
 NVSHARED_FUZZ_PACKAGES=(clang libclang-rt-14-dev)
 

@@ -1,16 +1,32 @@
 #!/usr/bin/env bash
 # Quick start, second command, and what CI runs: installs what is missing,
-# then builds and runs every test in three builds: a normal one (with the
-# package and tool tests), AddressSanitizer + UndefinedBehaviorSanitizer, and
-# ThreadSanitizer for the concurrency tests; then gives each fuzzer a short
-# run. Set NVSHARED_FUZZ_SECONDS to change how long (default 30 per target).
+# then builds and runs every test: a normal build (with the package and tool
+# tests), AddressSanitizer + UndefinedBehaviorSanitizer, ThreadSanitizer for
+# the concurrency tests, a plain Release configure as a packager runs it
+# (library and nvtool), and a short run of each fuzzer. Set
+# NVSHARED_FUZZ_SECONDS to change how long (default 30 per target). Ends
+# with the time each stage took.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 source scripts/deps.sh
 nvshared_install_packages "${NVSHARED_PACKAGES[@]}" "${NVSHARED_FUZZ_PACKAGES[@]}"
 
 jobs=$(nproc)
-section() { printf '\n==== %s\n' "$*"; }
+timings=()
+stage_name=""
+stage_start=0
+section() {
+  stage_end
+  stage_name="$*"
+  stage_start=$SECONDS
+  printf '\n==== %s\n' "$*"
+}
+stage_end() {
+  if [ -n "$stage_name" ]; then
+    timings+=("$(printf '%5d s  %s' $((SECONDS - stage_start)) "$stage_name")")
+  fi
+  stage_name=""
+}
 
 section "normal build"
 cmake --preset dev >/dev/null
@@ -27,8 +43,16 @@ ctest --preset asan-ubsan -j "$jobs"
 section "ThreadSanitizer: concurrency tests"
 export TSAN_OPTIONS=halt_on_error=1:second_deadlock_stack=1
 cmake --preset tsan >/dev/null
-cmake --build --preset tsan -j "$jobs"
+cmake --build --preset tsan -j "$jobs" --target concurrency_tests
 ctest --preset tsan -j "$jobs"
+
+section "plain Release configure, as a packager builds"
+# No preset and no options: warnings are not errors, the build type is
+# Release by default, and the library and the tool must build.
+cmake -S . -B build/release -G Ninja >/dev/null
+grep -q '^CMAKE_BUILD_TYPE:STRING=Release$' build/release/CMakeCache.txt
+cmake --build build/release -j "$jobs" --target nvshared nvtool
+build/release/tools/nvtool/nvtool --version
 
 section "fuzzers: ${NVSHARED_FUZZ_SECONDS:-30} s each"
 cmake --preset fuzz >/dev/null
@@ -41,5 +65,9 @@ for fuzzer in build/fuzz/fuzz/*_fuzzer; do
     "$work" 2>&1 | tail -n 2
   rm -rf "$work"
 done
+stage_end
 
 section "all builds passed"
+stage_name=""
+printf '%s\n' "${timings[@]}"
+printf '%5d s  in all\n' "$SECONDS"

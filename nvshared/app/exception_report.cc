@@ -94,11 +94,20 @@ std::string FormatUserMessage(const std::string& format, unsigned int code) {
 
 CDVNVExceptionHandler* g_exceptionHandler = nullptr;
 
+// The texts Init stored. Never destroyed: a report may come from another
+// static's destructor while the process exits.
+struct BoxTexts {
+  std::string s_sAbnormalMsg;
+  std::string s_sCriticalMsg;
+};
+BoxTexts& TheTexts() {
+  static BoxTexts* const texts = new BoxTexts();
+  return *texts;
+}
+
 }  // namespace
 
 DVNVMessageBoxCallback CDVNVExpRpt::m_fpAfxMessageBox = nullptr;
-std::string CDVNVExpRpt::s_sAbnormalMsg;
-std::string CDVNVExpRpt::s_sCriticalMsg;
 
 void CDVNVExpRpt::Init(DVNVMessageBoxCallback callback, const char* abnormalMsg,
                        const char* criticalMsg) {
@@ -107,8 +116,8 @@ void CDVNVExpRpt::Init(DVNVMessageBoxCallback callback, const char* abnormalMsg,
     g_exceptionHandler = new CDVNVExceptionHandler();
   }
   m_fpAfxMessageBox = callback;
-  s_sAbnormalMsg = abnormalMsg != nullptr ? abnormalMsg : "";
-  s_sCriticalMsg = criticalMsg != nullptr ? criticalMsg : "";
+  TheTexts().s_sAbnormalMsg = abnormalMsg != nullptr ? abnormalMsg : "";
+  TheTexts().s_sCriticalMsg = criticalMsg != nullptr ? criticalMsg : "";
   nv_ns::ExceptionHandler::AddExceptionHandler(*g_exceptionHandler);
   nv_ns::ExceptionHandler::RemoveExceptionHandler(
       nv_ns::ExceptionHandler::s_defaultHandler);
@@ -125,7 +134,7 @@ int CDVNVExpRpt::ProcessException(unsigned int code, unsigned int type,
   if (handled || critical) {
     std::string format;
     nv_ns::AppStringLoader::LoadAppString(
-        (handled ? s_sAbnormalMsg : s_sCriticalMsg).c_str(), format);
+        (handled ? TheTexts().s_sAbnormalMsg : TheTexts().s_sCriticalMsg).c_str(), format);
     userMessage = FormatUserMessage(format, code);
   }
 
@@ -168,9 +177,9 @@ DVNVMessageBoxCallback CDVNVExpRpt::GetMessageBoxCallback() {
   return m_fpAfxMessageBox;
 }
 
-const std::string& CDVNVExpRpt::GetAbnormalMsg() { return s_sAbnormalMsg; }
+const std::string& CDVNVExpRpt::GetAbnormalMsg() { return TheTexts().s_sAbnormalMsg; }
 
-const std::string& CDVNVExpRpt::GetCriticalMsg() { return s_sCriticalMsg; }
+const std::string& CDVNVExpRpt::GetCriticalMsg() { return TheTexts().s_sCriticalMsg; }
 
 CDVNVExceptionHandler::~CDVNVExceptionHandler() = default;
 

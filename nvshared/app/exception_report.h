@@ -64,8 +64,8 @@ class NVSHARED_API CDVNVExpRpt {
 
  private:
   static DVNVMessageBoxCallback m_fpAfxMessageBox;
-  static std::string s_sAbnormalMsg;
-  static std::string s_sCriticalMsg;
+  // The two texts live in a store that is never destroyed (see the .cc), so
+  // that a report raised while the process exits still reads them.
 };
 
 // The link between the process's exception handlers and CDVNVExpRpt: every

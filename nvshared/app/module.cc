@@ -1,5 +1,7 @@
 #include "nvshared/app/module.h"
 
+#include "nvshared/platform/os/module_handle.h"
+
 namespace nv_ns {
 
 namespace {

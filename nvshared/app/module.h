@@ -7,9 +7,11 @@
 #define NVSHARED_APP_MODULE_H_
 
 #include "nvshared/export.h"
-#include "nvshared/platform/os/module_handle.h"
 
 namespace nv_ns {
+
+// The handle of a loaded module: what dlopen returns.
+using HINSTANCE = void*;
 
 // A handle usable with dlsym and dlinfo; valid while the module is loaded.
 NVSHARED_API HINSTANCE NVSharedGetModuleInstance();

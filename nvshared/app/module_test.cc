@@ -1,5 +1,7 @@
 #include "nvshared/app/module.h"
 
+#include "nvshared/platform/os/module_handle.h"
+
 #include <gtest/gtest.h>
 
 namespace nv_ns {

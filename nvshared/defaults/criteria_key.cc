@@ -3,11 +3,15 @@
 #include <cstring>
 #include <string_view>
 
+#include "nvshared/internal/ascii.h"
 #include "nvshared/market/exchange_names.h"
 #include "nvshared/market/market_utils.h"
 #include "nvshared/platform/core/agile_enums.h"
 
-std::map<int, int> CriteriaKey::s_mapExchId2MktId;
+std::map<int, int>& CriteriaKey::s_mapExchId2MktId() {
+  static std::map<int, int>* const map = new std::map<int, int>();
+  return *map;
+}
 std::recursive_mutex CriteriaKey::s_mapExchId2MktIdLock;
 
 ICriteriaKey::~ICriteriaKey() = default;
@@ -67,15 +71,7 @@ namespace {
 // vertical tab, form feed and carriage return.
 bool IsBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 
-char Lower(char c) { return c >= 'A' && c <= 'Z' ? c - 'A' + 'a' : c; }
-
-bool EqualNoCase(std::string_view a, std::string_view b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (Lower(a[i]) != Lower(b[i])) return false;
-  }
-  return true;
-}
+using nvshared::internal::AsciiEqualIgnoreCase;
 
 }  // namespace
 
@@ -100,16 +96,17 @@ bool CriteriaKey::MatchProduct(const char* list) const {
     if (token.empty()) continue;
     while (!token.empty() && IsBlank(token.front())) token.remove_prefix(1);
     while (!token.empty() && IsBlank(token.back())) token.remove_suffix(1);
-    if (EqualNoCase(token, m_productName)) return true;
+    if (AsciiEqualIgnoreCase(token, m_productName)) return true;
   }
   return false;
 }
 
 int CriteriaKey::GetMarketIdFromExch(int exchangeId) {
   std::lock_guard<std::recursive_mutex> lock(s_mapExchId2MktIdLock);
-  const auto found = s_mapExchId2MktId.find(exchangeId);
-  if (found != s_mapExchId2MktId.end()) return found->second;
+  std::map<int, int>& map = s_mapExchId2MktId();
+  const auto found = map.find(exchangeId);
+  if (found != map.end()) return found->second;
   const int market = nv_ns::MarketUtils::GetMarketFromExchange(exchangeId);
-  s_mapExchId2MktId.emplace(exchangeId, market);
+  map.emplace(exchangeId, market);
   return market;
 }

@@ -111,7 +111,10 @@ class NVSHARED_API CriteriaKey : public ICriteriaKey {
   nv_ns::ProductType::Value m_productType;
   std::string m_productName;
 
-  static std::map<int, int> s_mapExchId2MktId;
+  // The exchange-to-market map of keys, guarded by s_mapExchId2MktIdLock.
+  // Built on first use and never destroyed, so keys matched while the
+  // process exits still find it.
+  static std::map<int, int>& s_mapExchId2MktId();
   static std::recursive_mutex s_mapExchId2MktIdLock;
 };
 

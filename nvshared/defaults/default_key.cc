@@ -2,6 +2,7 @@
 
 #include <utility>
 
+#include "nvshared/internal/ascii.h"
 #include "nvshared/market/exchange_names.h"
 #include "nvshared/market/market_utils.h"
 
@@ -90,15 +91,7 @@ namespace {
 
 bool EqualNoCase(const char* a, const std::string& b) {
   if (a == nullptr) return b.empty();
-  std::size_t i = 0;
-  for (; a[i] != '\0' && i < b.size(); ++i) {
-    char x = a[i];
-    char y = b[i];
-    if (x >= 'A' && x <= 'Z') x = static_cast<char>(x - 'A' + 'a');
-    if (y >= 'A' && y <= 'Z') y = static_cast<char>(y - 'A' + 'a');
-    if (x != y) return false;
-  }
-  return a[i] == '\0' && i == b.size();
+  return nvshared::internal::AsciiEqualIgnoreCase(a, b);
 }
 
 }  // namespace

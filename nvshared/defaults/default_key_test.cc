@@ -323,8 +323,8 @@ TEST_F(DefaultKeyTest, SeriesParamsTakeTheProductAndAnOpenExchange) {
 TEST_F(DefaultKeyTest, MarketCacheKeepsUnknownExchangesToo) {
   EXPECT_EQ(Key::GetMarketIdFromExch(3), 6);
   EXPECT_EQ(Key::GetMarketIdFromExch(50), -1);
-  EXPECT_EQ(Key::s_mapExchId2MktId.at(50), -1);
-  EXPECT_EQ(Key::s_mapExchId2MktId.at(3), 6);
+  EXPECT_EQ(Key::s_mapExchId2MktId().at(50), -1);
+  EXPECT_EQ(Key::s_mapExchId2MktId().at(3), 6);
 }
 
 }  // namespace

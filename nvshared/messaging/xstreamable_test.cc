@@ -393,6 +393,37 @@ TEST(XStreamableTest, WriteFailures) {
   }
 }
 
+struct Outer final : XStreamable {
+  static constexpr char kName[kNameLength] = {'O', 'U', 'T', 0, 0};
+  Inner m_inner{7};
+  Outer() : XStreamable(kName, 1) {}
+  void Transfer() override { TransferObject("m_inner", m_inner); }
+  std::uint64_t Measure() const override { return 0; }
+};
+
+// A nested object with little room: below a header's room counted from the
+// tag, the nested header's own message with that count; above it, the room
+// after the tag and length, so that nothing is written past the buffer.
+TEST(XStreamableTest, NestedObjectWriteFailures) {
+  const auto shortBuffer = [](int bytes) {
+    return "The Buffer length (" + std::to_string(bytes) +
+           " bytes) is less than the header length (12 bytes). The object "
+           "name is 'IN'";
+  };
+  char buffer[40];
+  for (const auto& [length, message] :
+       std::vector<std::pair<std::size_t, std::string>>{
+           {12, shortBuffer(0)},
+           {14, shortBuffer(2)},
+           {23, shortBuffer(11)},
+           {26, shortBuffer(11)},  // room 14: bound to the 11 after the tag
+           {33, ""}}) {
+    Outer outer;
+    EXPECT_EQ(MessageOf([&] { outer.WriteTo(buffer, length); }), message)
+        << length;
+  }
+}
+
 TEST(XStreamableTest, WriteToStringStopsAt32768Bytes) {
   Kinds k;
   k.m_text.assign(40000, 'x');

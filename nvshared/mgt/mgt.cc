@@ -2,23 +2,15 @@
 
 #include <utility>
 
+#include "nvshared/internal/ascii.h"
+
 namespace nv_ns {
 namespace {
 
 constexpr const char* kTraderIdTypeNames[] = {
     "None", "Username", "RoutingTraderId", "ExchangeTraderId"};
 
-bool EqualsIgnoringCase(const std::string& a, const char* b) {
-  std::size_t i = 0;
-  for (; i < a.size() && b[i] != '\0'; ++i) {
-    char x = a[i];
-    char y = b[i];
-    if (x >= 'A' && x <= 'Z') x = static_cast<char>(x - 'A' + 'a');
-    if (y >= 'A' && y <= 'Z') y = static_cast<char>(y - 'A' + 'a');
-    if (x != y) return false;
-  }
-  return i == a.size() && b[i] == '\0';
-}
+using nvshared::internal::AsciiEqualIgnoreCase;
 
 }  // namespace
 
@@ -31,7 +23,7 @@ const char* TraderIdType::ToString() const {
 
 bool TraderIdType::Parse(const std::string& text, TraderIdType& out) {
   for (int v = None; v <= ExchangeTraderId; ++v) {
-    if (EqualsIgnoringCase(text, kTraderIdTypeNames[v])) {
+    if (AsciiEqualIgnoreCase(text, kTraderIdTypeNames[v])) {
       out = TraderIdType(v);
       return true;
     }

@@ -4,6 +4,7 @@
 #include <boost/algorithm/string/split.hpp>
 #include <boost/regex.hpp>
 
+#include "nvshared/internal/ascii.h"
 #include "nvshared/market/internal/market_utils_internal.h"
 #include "nvshared/market/market_utils.h"
 #include "nvshared/platform/core/consumer.h"
@@ -40,9 +41,7 @@ bool StartsWithIgnoringCase(const std::string& text, const char* prefix) {
   std::size_t i = 0;
   for (; prefix[i] != '\0'; ++i) {
     if (i >= text.size()) return false;
-    char c = text[i];
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    if (c != prefix[i]) return false;
+    if (nvshared::internal::AsciiToLower(text[i]) != prefix[i]) return false;
   }
   return true;
 }

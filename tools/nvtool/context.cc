@@ -1,8 +1,21 @@
 #include "tools/nvtool/context.h"
 
+#include <cmath>
+
 #include "nvshared/platform/core/reference_data.h"
 
 namespace nvtool {
+
+CLI::Validator FiniteNumber() {
+  return CLI::Validator(
+      [](std::string& text) -> std::string {
+        double value = 0.0;
+        if (!CLI::detail::lexical_cast(text, value)) return "";  // not ours
+        return std::isfinite(value) ? ""
+                                    : "must be a finite number, not " + text;
+      },
+      "NUMBER");
+}
 
 nvshared::Status Context::LoadReferenceData() const {
   if (!refdataPath.empty()) {

@@ -26,6 +26,10 @@ struct Context {
   nvshared::Status LoadReferenceData() const;
 };
 
+// Refuses a number option given as NaN or infinity, which the parser of
+// doubles otherwise takes: `->check(FiniteNumber())`.
+CLI::Validator FiniteNumber();
+
 // Each subcommand adds itself to the application.
 void AddExchangesCommand(CLI::App& app, Context& context);
 void AddDemoCommand(CLI::App& app, Context& context);

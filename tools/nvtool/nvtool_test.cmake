@@ -69,6 +69,24 @@ run(1 "^$" "^nvtool: .*missing.json: cannot open the file\n$"
 run(2 "^$" "^nvtool: .*\nRun 'nvtool --help' for usage.\n$" no-such-command)
 run(2 "^$" "^nvtool: A subcommand is required" )
 run(2 "^$" "^nvtool: .*--bogus" exchanges --bogus)
+run(2 "^$" "^nvtool: unknown command 'frob'; the commands are exchanges, demo, " frob)
+run(0 "^nvtool [0-9.]+ \\(library nvshared [0-9.]+, libnvshared\\.so\\.[0-9.]+\\)\n$" "^$" --version)
+
+# Global options where users type them, and refused where they do nothing.
+run(0 "^5\tTOCOM" "^$" exchanges --tsv --no-header --refdata "${WORK_DIR}/small.json")
+run(2 "^$" "^nvtool: 'yield' does not read reference data, so --refdata has no effect on it\n"
+    yield --refdata "${WORK_DIR}/small.json" --settle 2024-01-01 --maturity 2030-01-01 --coupon 4 --price 100)
+
+# Numbers are finite; output that cannot be written is an error.
+run(2 "^$" "^nvtool: --price: must be a finite number, not nan\n"
+    yield --settle 2024-01-01 --maturity 2030-01-01 --coupon 4 --price nan)
+if(EXISTS /dev/full)
+  execute_process(COMMAND "${NVTOOL}" exchanges OUTPUT_FILE /dev/full
+    RESULT_VARIABLE rc ERROR_VARIABLE err)
+  if(NOT rc EQUAL 1 OR NOT err MATCHES "^nvtool: write error: No space left on device\n$")
+    message(SEND_ERROR "nvtool exchanges > /dev/full: exit ${rc}, stderr '${err}'")
+  endif()
+endif()
 
 # demo runs on the bundled data and on a given file.
 run(0 "Reference data: 23 exchanges.*\\[message box, type 0x30\\] Trader recovered from an error \\(code 7\\)\\.  order book rebuilt\n.*\\[log, severity -1, code 8\\] trader Client\n" "" demo)

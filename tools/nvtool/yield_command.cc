@@ -1,12 +1,13 @@
 // nvtool yield and nvtool price: a bond's yield to maturity from its clean
 // price, and back, through the library's yield calculator.
-#include <cctype>
+#include <cmath>
 #include <cstdio>
 #include <memory>
 #include <ostream>
 #include <stdexcept>
 #include <string>
 
+#include "nvshared/internal/ascii.h"
 #include "nvshared/platform/utils/udp_date_time.h"
 #include "nvshared/udp/udp_enums.h"
 #include "nvshared/udp/udp_ytm_calc.h"
@@ -36,33 +37,26 @@ std::string Fixed(double value, int decimals) {
 // YYYY-MM-DD, a real date.
 nv_ns::UDPDateTime ParseDate(const std::string& option,
                              const std::string& text) {
-  bool shaped = text.size() == 10 && text[4] == '-' && text[7] == '-';
-  for (std::size_t i = 0; shaped && i < text.size(); ++i) {
-    if (i != 4 && i != 7) {
-      shaped = std::isdigit(static_cast<unsigned char>(text[i])) != 0;
-    }
-  }
-  nv_ns::UDPDateTime date;
-  if (!shaped ||
-      !date.ParseDateTime(text.c_str(), nv_ns::UDPDateTime::kDateValueOnly,
-                          nv_ns::UDPDateTime::kUserDefaultLocale)) {
+  const auto parsed = nvshared::internal::ParseIsoDate(text);
+  const nv_ns::UDPDateTime date =
+      parsed ? nv_ns::UDPDateTime(parsed->year, parsed->month, parsed->day, 0,
+                                  0, 0)
+             : nv_ns::UDPDateTime(std::nan(""));
+  if (date.GetStatus() != nv_ns::UDPDateTime::valid) {
     throw CLI::ValidationError(option,
                                "not a date in the form YYYY-MM-DD: " + text);
   }
   return date;
 }
 
-std::string Lower(std::string s) {
-  for (char& c : s) c = static_cast<char>(std::tolower(c));
-  return s;
-}
+using nvshared::internal::AsciiEqualIgnoreCase;
 
 // A day-count number 0..5 or its name, in any case.
 int ParseDayCount(const std::string& text) {
   for (int i = 0; i <= 5; ++i) {
     const std::string& name =
         nv_ns::UDPEnumNames::GetDayCountTypeString(nv_ns::UDPDayCountType(i));
-    if (text == std::to_string(i) || Lower(text) == Lower(name)) return i;
+    if (text == std::to_string(i) || AsciiEqualIgnoreCase(text, name)) return i;
   }
   throw CLI::ValidationError(
       "--daycount", "unknown day count '" + text +
@@ -174,6 +168,7 @@ CLI::App* AddBondCommand(CLI::App& app, const std::string& name,
   sub->add_option("--maturity", o.maturity, "Maturity date, YYYY-MM-DD")
       ->required();
   sub->add_option("--coupon", o.coupon, "Annual coupon in percent, e.g. 4.25")
+      ->check(FiniteNumber())
       ->required();
   sub->add_option("--freq", o.frequency, "Coupons a year: 1, 2, 4 or 12")
       ->check(CLI::IsMember({1, 2, 4, 12}))
@@ -194,6 +189,7 @@ CLI::App* AddBondCommand(CLI::App& app, const std::string& name,
   sub->add_option("--factor", o.factor,
                   "Conversion factor: prices are futures prices, the bond's "
                   "price divided by it")
+      ->check(FiniteNumber())
       ->capture_default_str();
   sub->add_flag("--explain", o.explain,
                 "Also print the bond's shape and its reduced terms N, C, AI, "
@@ -211,6 +207,7 @@ void AddYieldCommand(CLI::App& app, Context& context) {
       "with 10 decimals.",
       *o);
   sub->add_option("--price", o->value, "Clean price per 100 (at least 1.0)")
+      ->check(FiniteNumber())
       ->required();
   sub->callback([&context, o] {
     CUDPYTMCalc calc;
@@ -235,6 +232,7 @@ void AddPriceCommand(CLI::App& app, Context& context) {
       "with 10 decimals.",
       *o);
   sub->add_option("--yield", o->value, "Yield to maturity in percent")
+      ->check(FiniteNumber())
       ->required();
   sub->callback([&context, o] {
     CUDPYTMCalc calc;

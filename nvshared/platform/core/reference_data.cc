@@ -16,14 +16,14 @@ namespace {
 
 using nvshared::Status;
 
-// The current store. Starts as an empty store that is never freed.
-std::atomic<const ReferenceData*> g_current{new ReferenceData()};
+// The current store: null until the first lookup or install, then never
+// freed. Constant-initialised, so no static initialiser can see it unset.
+std::atomic<const ReferenceData*> g_current{nullptr};
 
 // Stores replaced by Install. Reachable from here for the life of the
 // process, so the pointers handed out from them never dangle.
 std::mutex g_retired_mutex;
-std::vector<const ReferenceData*>* g_retired =
-    new std::vector<const ReferenceData*>();
+std::vector<const ReferenceData*>* g_retired = nullptr;
 
 std::string ProductLabel(const ProdID& p) {
   std::ostringstream out;
@@ -43,7 +43,11 @@ std::string SeriesLabel(int exchange, std::string_view key) {
 // --- ReferenceData -------------------------------------------------------
 
 const ReferenceData& ReferenceData::Current() {
-  return *g_current.load(std::memory_order_acquire);
+  const ReferenceData* current = g_current.load(std::memory_order_acquire);
+  if (current != nullptr) [[likely]] return *current;
+  // Nothing installed yet: an empty store, never freed.
+  static const ReferenceData* const empty = new ReferenceData();
+  return *empty;
 }
 
 void ReferenceData::Install(std::unique_ptr<const ReferenceData> data) {
@@ -51,6 +55,8 @@ void ReferenceData::Install(std::unique_ptr<const ReferenceData> data) {
   std::lock_guard<std::mutex> lock(g_retired_mutex);
   const ReferenceData* old =
       g_current.exchange(data.release(), std::memory_order_acq_rel);
+  if (old == nullptr) return;
+  if (g_retired == nullptr) g_retired = new std::vector<const ReferenceData*>();
   g_retired->push_back(old);
 }
 

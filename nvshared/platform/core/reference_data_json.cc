@@ -9,6 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "nvshared/internal/ascii.h"
 #include "nvshared/platform/core/market_table.h"
 #include "nvshared/platform/core/reference_data.h"
 
@@ -116,20 +117,12 @@ Date ParseDate(const json& object, const std::string& where, const char* name) {
   const json* value = Field(object, name);
   if (value == nullptr) return Date();
   const std::string text = Text(*value, where, name);
-  auto number = [&](std::size_t at, std::size_t len, int& out) {
-    const char* first = text.data() + at;
-    auto [end, ec] = std::from_chars(first, first + len, out);
-    return ec == std::errc() && end == first + len;
-  };
-  int y = 0, m = 0, d = 0;
-  const bool shape = (text.size() == 7 || text.size() == 10) &&
-                     text[4] == '-' && number(0, 4, y) && number(5, 2, m) &&
-                     (text.size() == 7 || (text[7] == '-' && number(8, 2, d)));
-  if (!shape || m < 1 || m > 12 || (text.size() == 10 && (d < 1 || d > 31))) {
+  const auto date = nvshared::internal::ParseIsoDate(text, true);
+  if (!date) {
     Fail(where, std::string("field \"") + name + "\" must be a date " +
                     "\"YYYY-MM\" or \"YYYY-MM-DD\", not \"" + text + "\"");
   }
-  return Date(d, m, y);
+  return Date(date->day, date->month, date->year);
 }
 
 int MarketId(const json& value, const std::string& where) {

@@ -15,16 +15,20 @@
 namespace nvshared::os {
 
 // True if something exists at `path` (a file, a directory, anything).
-NVSHARED_API bool PathExists(const std::string& path);
+bool PathExists(const std::string& path);
 
 // The whole contents of the file at `path`, or an error naming the path.
-NVSHARED_API StatusOr<std::string> ReadWholeFile(const std::string& path);
+StatusOr<std::string> ReadWholeFile(const std::string& path);
 
 // Replaces the file at `path` with `contents`: writes a temporary file
 // beside it, flushes it to disk, renames it over `path` and flushes the
 // directory. A crash leaves either the old file or the new one, never a part.
-// On error the old file is untouched and the temporary file removed.
-NVSHARED_API Status ReplaceFileAtomically(const std::string& path,
+// The new file keeps the old one's mode (and owner where the process may set
+// it); a file that did not exist gets 0666 less the umask. A symbolic link
+// is followed: the file it names is replaced and the link stays. A target
+// that exists but is not a regular file is refused. On error the old file
+// is untouched and the temporary file removed.
+Status ReplaceFileAtomically(const std::string& path,
                                           std::string_view contents);
 
 }  // namespace nvshared::os

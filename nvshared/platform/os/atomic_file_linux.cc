@@ -1,4 +1,6 @@
+#include <atomic>
 #include <cerrno>
+#include <climits>
 #include <cstring>
 
 #include <fcntl.h>
@@ -48,38 +50,94 @@ StatusOr<std::string> ReadWholeFile(const std::string& path) {
   return contents;
 }
 
+namespace {
+
+// The file that writing to `path` reaches: `path` itself, or the end of the
+// chain of symbolic links that starts there (which may not exist yet).
+StatusOr<std::string> FollowLinks(const std::string& path) {
+  std::string target = path;
+  for (int hops = 0; hops < 40; ++hops) {
+    struct stat st;
+    if (::lstat(target.c_str(), &st) != 0 || !S_ISLNK(st.st_mode)) {
+      return target;
+    }
+    std::string link(PATH_MAX, '\0');
+    const ssize_t n = ::readlink(target.c_str(), link.data(), link.size());
+    if (n < 0) return Errno(target, "cannot read the link");
+    link.resize(static_cast<std::size_t>(n));
+    target = link.front() == '/' ? link : DirectoryOf(target) + "/" + link;
+  }
+  errno = ELOOP;
+  return Errno(path, "cannot follow the link");
+}
+
+// Creates a new file beside `path` for writing, close-on-exec. Created with
+// mode 0666 so that the process's umask applies as it does to any new file.
+int CreateTemporary(const std::string& path, std::string& temp) {
+  static std::atomic<unsigned> counter{0};
+  for (int attempt = 0; attempt < 100; ++attempt) {
+    temp = path + ".tmp." + std::to_string(::getpid()) + "." +
+           std::to_string(counter.fetch_add(1));
+    const int fd = ::open(temp.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+                          0666);
+    if (fd >= 0 || errno != EEXIST) return fd;
+  }
+  return -1;
+}
+
+}  // namespace
+
 Status ReplaceFileAtomically(const std::string& path,
                              std::string_view contents) {
-  std::string temp = path + ".XXXXXX";
-  const int fd = ::mkstemp(temp.data());
-  if (fd < 0) return Errno(temp, "cannot create a temporary file");
+  // Writing through a symbolic link replaces the file it names and keeps
+  // the link.
+  StatusOr<std::string> resolved = FollowLinks(path);
+  if (!resolved.ok()) return resolved.status();
+  const std::string& target = resolved.value();
+  struct stat old;
+  const bool existed = ::stat(target.c_str(), &old) == 0;
+  if (existed && !S_ISREG(old.st_mode)) {
+    return Status::Error(target + ": not a regular file; left as it is");
+  }
+
+  std::string temp;
+  const int fd = CreateTemporary(target, temp);
+  if (fd < 0) return Errno(target, "cannot create a temporary file");
+  auto fail = [&](const std::string& where, const char* what) {
+    Status error = Errno(where, what);
+    ::close(fd);
+    ::unlink(temp.c_str());
+    return error;
+  };
+  // The replacement keeps the old file's permissions (and owner, where the
+  // process may set it).
+  if (existed) {
+    if (::fchmod(fd, old.st_mode & 07777) != 0) {
+      return fail(temp, "cannot set the mode");
+    }
+    if (::fchown(fd, old.st_uid, old.st_gid) != 0) {
+      // Only a privileged process may give a file away: keep ours.
+    }
+  }
   std::size_t done = 0;
   while (done < contents.size()) {
     const ssize_t n =
         ::write(fd, contents.data() + done, contents.size() - done);
     if (n < 0) {
       if (errno == EINTR) continue;
-      Status error = Errno(temp, "cannot write");
-      ::close(fd);
-      ::unlink(temp.c_str());
-      return error;
+      return fail(temp, "cannot write");
     }
     done += static_cast<std::size_t>(n);
   }
-  if (::fsync(fd) != 0) {
-    Status error = Errno(temp, "cannot flush");
-    ::close(fd);
-    ::unlink(temp.c_str());
-    return error;
-  }
+  if (::fsync(fd) != 0) return fail(temp, "cannot flush");
   ::close(fd);
-  if (::rename(temp.c_str(), path.c_str()) != 0) {
-    Status error = Errno(path, "cannot replace the file");
+  if (::rename(temp.c_str(), target.c_str()) != 0) {
+    Status error = Errno(target, "cannot replace the file");
     ::unlink(temp.c_str());
     return error;
   }
   // The rename itself reaches the disk with the directory.
-  const int dir = ::open(DirectoryOf(path).c_str(), O_RDONLY | O_CLOEXEC);
+  const int dir = ::open(DirectoryOf(target).c_str(), O_RDONLY | O_CLOEXEC);
   if (dir >= 0) {
     ::fsync(dir);
     ::close(dir);

@@ -16,7 +16,7 @@ namespace nvshared::os {
 // 0xFFFFFFFF when the text is no address (the same value as the broadcast
 // address 255.255.255.255, which callers therefore cannot tell apart). A
 // null text yields 0xFFFFFFFF.
-NVSHARED_API std::uint32_t InetAddr(const char* text);
+std::uint32_t InetAddr(const char* text);
 
 }  // namespace nvshared::os
 

@@ -1,4 +1,3 @@
-// HINSTANCE, the portable handle of a loaded module, and
 // nvshared::os::CurrentModuleHandle, which finds the handle of the module
 // that holds this library's code: libnvshared.so, or the program (or other
 // shared object) it was linked into statically.
@@ -10,14 +9,10 @@
 #ifndef NVSHARED_PLATFORM_OS_MODULE_HANDLE_H_
 #define NVSHARED_PLATFORM_OS_MODULE_HANDLE_H_
 
-#include "nvshared/export.h"
-
-using HINSTANCE = void*;
-
 namespace nvshared::os {
 
 // Null only if the dynamic loader knows nothing of the module.
-NVSHARED_API HINSTANCE CurrentModuleHandle();
+void* CurrentModuleHandle();
 
 }  // namespace nvshared::os
 

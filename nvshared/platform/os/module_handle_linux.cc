@@ -4,7 +4,7 @@
 
 namespace nvshared::os {
 
-HINSTANCE CurrentModuleHandle() {
+void* CurrentModuleHandle() {
   // dladdr names the file that holds this very function; RTLD_NOLOAD then
   // yields the handle of that already loaded file without loading anything.
   Dl_info info{};

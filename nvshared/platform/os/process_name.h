@@ -1,6 +1,6 @@
-// dv_coreutils_ns::SysRenameProcess, which gives the process the display name
-// that ps, top and the debuggers show, and nvshared::os::GetProcessName,
-// which reads it back.
+// nvshared::os::GetProcessName, which reads back the display name that
+// dv_coreutils_ns::SysRenameProcess (declared in the public
+// platform/core/sys_rename_process.h) gives the process.
 //
 // Threads: the name belongs to the calling thread; hosts rename on the main
 // thread at start-up, where it is the name of the whole process.
@@ -10,18 +10,7 @@
 #include <cstddef>
 #include <string>
 
-#include "nvshared/export.h"
-
-namespace dv_coreutils_ns {
-
-// Sets the display name. The kernel keeps at most 15 bytes of it and cuts
-// the rest without a word (so "Trader App" stays whole but
-// "Risk Manager App" becomes "Risk Manager Ap"); the cut may fall inside a
-// UTF-8 character. False, and nothing changed, for a null name or if the
-// system refused.
-NVSHARED_API bool SysRenameProcess(const char* name);
-
-}  // namespace dv_coreutils_ns
+#include "nvshared/platform/core/sys_rename_process.h"
 
 namespace nvshared::os {
 
@@ -29,7 +18,7 @@ namespace nvshared::os {
 inline constexpr std::size_t kMaxProcessNameBytes = 15;
 
 // The calling thread's display name, as SysRenameProcess set it.
-NVSHARED_API std::string GetProcessName();
+std::string GetProcessName();
 
 }  // namespace nvshared::os
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "nvshared/internal/ascii.h"
 #include "nvshared/platform/os/atomic_file.h"
 
 namespace nvshared::os {
@@ -16,13 +17,7 @@ std::string_view Trim(std::string_view text) {
   return text;
 }
 
-std::string Lower(std::string_view text) {
-  std::string out(text);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return out;
-}
+using nvshared::internal::AsciiLower;
 
 // Copies `text` into `buffer`, cut to `size` - 1 characters, with a NUL.
 std::size_t CopyCut(std::string_view text, char* buffer, std::size_t size) {
@@ -60,13 +55,13 @@ ProfileFile ProfileFile::Parse(std::string_view text) {
       // An empty name would end the NUL-separated list early, so the list
       // leaves it out, as the Windows function does.
       if (!name.empty()) profile.names_.emplace_back(name);
-      auto [it, inserted] = profile.sections_.try_emplace(Lower(name));
+      auto [it, inserted] = profile.sections_.try_emplace(AsciiLower(name));
       current = inserted ? &it->second : nullptr;
       continue;
     }
     if (current == nullptr) continue;
     const std::size_t eq = line.find('=');
-    const std::string key = Lower(Trim(line.substr(0, eq)));
+    const std::string key = AsciiLower(Trim(line.substr(0, eq)));
     std::optional<std::string> value;
     if (eq != std::string_view::npos) {
       std::string_view v = Trim(line.substr(eq + 1));
@@ -123,9 +118,9 @@ std::size_t ProfileFile::GetString(std::string_view section,
                                    std::size_t size) const {
   const std::string_view fallback =
       defaultValue == nullptr ? std::string_view() : defaultValue;
-  const auto s = sections_.find(Lower(section));
+  const auto s = sections_.find(AsciiLower(section));
   if (s == sections_.end()) return CopyCut(fallback, buffer, size);
-  const auto k = s->second.values.find(Lower(key));
+  const auto k = s->second.values.find(AsciiLower(key));
   if (k == s->second.values.end() || !k->second.has_value()) {
     return CopyCut(fallback, buffer, size);
   }

@@ -39,7 +39,7 @@
 
 namespace nvshared::os {
 
-class NVSHARED_API ProfileFile {
+class ProfileFile {
  public:
   // A profile without sections.
   ProfileFile() = default;

@@ -31,7 +31,7 @@ struct TimeZoneInfo {
   State state = kUnknown;
 };
 
-NVSHARED_API TimeZoneInfo CurrentTimeZone();
+TimeZoneInfo CurrentTimeZone();
 
 // A broken-down local time, fields as the C library's struct tm has them
 // (month 0-11, year less 1900, isDst -1 for "find out").
@@ -47,10 +47,10 @@ struct LocalTimeFields {
 
 // mktime: the seconds since the epoch of a local time, fields normalised as
 // mktime does; -1 when the C library cannot represent it.
-NVSHARED_API std::int64_t MakeLocalTime(const LocalTimeFields& fields);
+std::int64_t MakeLocalTime(const LocalTimeFields& fields);
 // localtime_r: false (and `out` untouched) when the time cannot be broken
 // down.
-NVSHARED_API bool BreakDownLocalTime(std::int64_t seconds,
+bool BreakDownLocalTime(std::int64_t seconds,
                                      LocalTimeFields& out);
 
 }  // namespace nvshared::os

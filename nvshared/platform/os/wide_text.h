@@ -20,7 +20,7 @@ namespace nvshared::os {
 // scalar value (a surrogate, or above U+10FFFF) or if the result would take
 // more than `maxBytes` bytes. Like a conversion into a fixed buffer, it never
 // returns a partial text.
-NVSHARED_API std::optional<std::string> WideToUtf8(std::wstring_view text,
+std::optional<std::string> WideToUtf8(std::wstring_view text,
                                                    std::size_t maxBytes);
 
 }  // namespace nvshared::os

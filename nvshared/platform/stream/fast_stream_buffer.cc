@@ -32,10 +32,12 @@ FastStreamBuffer::FastStreamBuffer(char* store, std::size_t capacity,
       may_grow_(mayGrow) {}
 
 // The store is declared const by the caller. It is never written through:
-// the write position stands at its end and growth is refused, so every
-// write fails before touching it.
+// every write path goes to MakeRoom while read_only_ is set, and MakeRoom
+// either refuses or moves the bytes to an owned store first.
 FastStreamBuffer::FastStreamBuffer(const char* data, std::size_t size)
-    : FastStreamBuffer(const_cast<char*>(data), size, size, false) {}
+    : FastStreamBuffer(const_cast<char*>(data), size, size, false) {
+  read_only_ = true;
+}
 
 FastStreamBuffer::FastStreamBuffer(FastStreamBuffer&& other) noexcept
     : data_(std::exchange(other.data_, nullptr)),
@@ -43,7 +45,8 @@ FastStreamBuffer::FastStreamBuffer(FastStreamBuffer&& other) noexcept
       write_(std::exchange(other.write_, 0)),
       read_(std::exchange(other.read_, 0)),
       owned_(std::exchange(other.owned_, true)),
-      may_grow_(other.may_grow_) {}
+      may_grow_(other.may_grow_),
+      read_only_(std::exchange(other.read_only_, false)) {}
 
 FastStreamBuffer& FastStreamBuffer::operator=(
     FastStreamBuffer&& other) noexcept {
@@ -55,6 +58,7 @@ FastStreamBuffer& FastStreamBuffer::operator=(
     read_ = std::exchange(other.read_, 0);
     owned_ = std::exchange(other.owned_, true);
     may_grow_ = other.may_grow_;
+    read_only_ = std::exchange(other.read_only_, false);
   }
   return *this;
 }
@@ -69,6 +73,7 @@ void FastStreamBuffer::Release() {
 void FastStreamBuffer::MakeRoom(std::size_t n) {
   if (!may_grow_) throw StreamOverflow(FlatOverflowText(n, capacity_, write_));
   const std::size_t needed = n > kMaxSize - write_ ? 0 : write_ + n;
+  // A read-only store is copied even when it has room: it is never written.
   std::size_t grown =
       capacity_ == 0
           ? kFirstGrowth
@@ -88,6 +93,7 @@ void FastStreamBuffer::MakeRoom(std::size_t n) {
   data_ = store;
   capacity_ = grown;
   owned_ = true;
+  read_only_ = false;
 }
 
 }  // namespace dv_stream_ns

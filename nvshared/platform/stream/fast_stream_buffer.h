@@ -12,6 +12,11 @@
 // Old contents are copied and an owned old store is freed. A buffer that
 // may not grow throws StreamOverflow at once.
 //
+// A buffer made over `const char*` is read-only: no write path ever writes
+// into that store. A write to it throws StreamOverflow, or, if the caller
+// has since allowed growth, first copies the bytes into an owned store and
+// writes there.
+//
 // Threads: a buffer belongs to one thread at a time.
 #ifndef NVSHARED_PLATFORM_STREAM_FAST_STREAM_BUFFER_H_
 #define NVSHARED_PLATFORM_STREAM_FAST_STREAM_BUFFER_H_
@@ -38,7 +43,7 @@ class NVSHARED_API FastStreamBuffer {
                    bool mayGrow);
   // Borrows `size` bytes for reading only: they all count as written, and
   // the buffer may not grow, so any write throws StreamOverflow and the
-  // bytes are never changed.
+  // bytes are never changed (see read_only()).
   FastStreamBuffer(const char* data, std::size_t size);
 
   FastStreamBuffer(FastStreamBuffer&& other) noexcept;
@@ -51,7 +56,7 @@ class NVSHARED_API FastStreamBuffer {
   // Throws StreamOverflow (FlatOverflowText) if the buffer may not grow and
   // lacks room; nothing is written then.
   void Write(const void* source, std::size_t n) {
-    if (n > capacity_ - write_) MakeRoom(n);
+    if (read_only_ || n > capacity_ - write_) MakeRoom(n);
     if (n != 0) std::memcpy(data_ + write_, source, n);
     write_ += n;
   }
@@ -67,7 +72,7 @@ class NVSHARED_API FastStreamBuffer {
 
   // Makes room for `n` more bytes as Write would, without writing.
   void Reserve(std::size_t n) {
-    if (n > capacity_ - write_) MakeRoom(n);
+    if (read_only_ || n > capacity_ - write_) MakeRoom(n);
   }
 
   const char* data() const { return data_; }
@@ -77,6 +82,8 @@ class NVSHARED_API FastStreamBuffer {
   // Bytes between the read and the write position.
   std::size_t readable() const { return write_ - read_; }
   bool owns_store() const { return owned_; }
+  // True while the store is a caller's read-only bytes.
+  bool read_only() const { return read_only_; }
   bool may_grow() const { return may_grow_; }
   void set_may_grow(bool mayGrow) { may_grow_ = mayGrow; }
 
@@ -84,7 +91,8 @@ class NVSHARED_API FastStreamBuffer {
   void set_read_position(std::size_t position) {
     read_ = position < write_ ? position : write_;
   }
-  // Forgets what was written and read; the store stays.
+  // Forgets what was written and read; the store stays (a read-only one
+  // stays read-only: the next write copies or throws).
   void Clear() { write_ = read_ = 0; }
 
  private:
@@ -98,6 +106,7 @@ class NVSHARED_API FastStreamBuffer {
   std::size_t read_ = 0;
   bool owned_ = true;
   bool may_grow_ = true;
+  bool read_only_ = false;
 };
 
 }  // namespace dv_stream_ns

@@ -73,6 +73,19 @@ TEST(FastStreamBuffer, ReadOnlyViewReadsAndNeverWrites) {
   EXPECT_FALSE(view.Read(out, 4));  // a short read consumes nothing
   EXPECT_TRUE(view.Read(out, 3));
   EXPECT_STREQ(out, "xyz");
+
+  // Clear and set_may_grow must not open a way into the caller's bytes: the
+  // store lives in read-only memory, so a write through it would fault.
+  static const char kStore[] = "abc";
+  FastStreamBuffer cleared(kStore, 3);
+  cleared.Clear();
+  EXPECT_THROW(cleared.Write("!", 1), StreamOverflow);
+  cleared.set_may_grow(true);
+  cleared.Write("!", 1);  // copies into a store of its own
+  EXPECT_FALSE(cleared.read_only());
+  EXPECT_TRUE(cleared.owns_store());
+  EXPECT_EQ(Written(cleared), "!");
+  EXPECT_STREQ(kStore, "abc");
 }
 
 }  // namespace

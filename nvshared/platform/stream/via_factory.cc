@@ -42,10 +42,17 @@ bool VIAControl::Stage(unsigned short id, const std::string& name,
 }
 
 Streamable* VIAControl::Create(unsigned short id) {
-  Registry& registry = TheRegistry();
-  std::lock_guard lock(registry.mutex);
-  const auto it = registry.classes.find(id);
-  return it == registry.classes.end() ? nullptr : it->second.factory->Create();
+  VIAFactoryBase* factory = nullptr;
+  {
+    Registry& registry = TheRegistry();
+    std::lock_guard lock(registry.mutex);
+    const auto it = registry.classes.find(id);
+    if (it == registry.classes.end()) return nullptr;
+    factory = it->second.factory.get();
+  }
+  // Outside the lock, so that a factory may use the registry itself. Staged
+  // factories are never removed or freed, so the pointer stays good.
+  return factory->Create();
 }
 
 std::string VIAControl::ClassName(unsigned short id) {

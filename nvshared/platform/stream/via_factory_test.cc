@@ -47,5 +47,19 @@ TEST(VIAControl, StagesOnceCreatesByIdAndOwnsTheFactories) {
   EXPECT_EQ(VIAControl::Create(0x7003), nullptr);
 }
 
+// A factory may call back into the registry (to stage a class it needs, or
+// build a nested one); the registry's lock is not held while it runs.
+TEST(VIAControl, FactoryMayUseTheRegistry) {
+  struct Nesting : VIAFactoryBase {
+    Streamable* Create() override {
+      VIAControl::Stage(0x7011, "Inner", new VIAFactory<Widget>);
+      return VIAControl::Create(0x7011);
+    }
+  };
+  ASSERT_TRUE(VIAControl::Stage(0x7010, "Outer", new Nesting));
+  std::unique_ptr<Streamable> made(VIAControl::Create(0x7010));
+  EXPECT_NE(dynamic_cast<Widget*>(made.get()), nullptr);
+}
+
 }  // namespace
 }  // namespace dv_stream_ns

@@ -1,7 +1,10 @@
 #include "nvshared/platform/utils/exception_handler.h"
 
 #include <algorithm>
+#include <condition_variable>
+#include <iterator>
 #include <mutex>
+#include <thread>
 
 #include "nvshared/platform/log/logger.h"
 
@@ -9,14 +12,29 @@ namespace nv_ns {
 
 namespace {
 
+// The registered handlers and the calls into them that are running now.
+// Remove waits until no other thread is inside the handler it took out, so
+// that a host may delete a handler as soon as Remove returns.
 struct Chain {
-  std::mutex mutex;
-  std::vector<ExceptionHandler*> handlers{&ExceptionHandler::s_defaultHandler};
+  struct Call {
+    ExceptionHandler* handler;
+    std::thread::id thread;
+  };
 
-  bool Contains(ExceptionHandler* handler) {
-    std::lock_guard<std::mutex> lock(mutex);
+  std::mutex mutex;
+  std::condition_variable callEnded;
+  std::vector<ExceptionHandler*> handlers{&ExceptionHandler::s_defaultHandler};
+  std::vector<Call> running;
+
+  bool Registered(ExceptionHandler* handler) const {
     return std::find(handlers.begin(), handlers.end(), handler) !=
            handlers.end();
+  }
+  bool RunningElsewhere(ExceptionHandler* handler) const {
+    const std::thread::id self = std::this_thread::get_id();
+    return std::any_of(running.begin(), running.end(), [&](const Call& call) {
+      return call.handler == handler && call.thread != self;
+    });
   }
 };
 
@@ -48,23 +66,43 @@ void ExceptionHandler::AddExceptionHandler(ExceptionHandler& handler) {
 
 void ExceptionHandler::RemoveExceptionHandler(ExceptionHandler& handler) {
   Chain& chain = TheChain();
-  std::lock_guard<std::mutex> lock(chain.mutex);
+  std::unique_lock<std::mutex> lock(chain.mutex);
   std::erase(chain.handlers, &handler);
+  // A call on this thread is the handler removing itself (or a handler it
+  // called): waiting for it would never end.
+  chain.callEnded.wait(lock, [&] { return !chain.RunningElsewhere(&handler); });
 }
 
 void ExceptionHandler::Raise(unsigned int code, const char* text) {
   if (text == nullptr) text = "";
   Chain& chain = TheChain();
+  const std::thread::id self = std::this_thread::get_id();
   // Handlers run without the lock, so that one which waits for a user (a
-  // message box) holds up no other thread's registration or report.
+  // message box) holds up no other thread's registration or report. The
+  // call is entered in `running` under the lock in the same step as the
+  // membership test, so a Remove either sees it and waits, or comes first
+  // and the handler is skipped.
   for (ExceptionHandler* handler : Handlers()) {
-    if (!chain.Contains(handler)) continue;
+    {
+      std::lock_guard<std::mutex> lock(chain.mutex);
+      if (!chain.Registered(handler)) continue;
+      chain.running.push_back({handler, self});
+    }
     try {
       handler->OnException(code, text);
     } catch (...) {
       // A report must not turn into a new fault; the next handler still
       // hears of it.
     }
+    {
+      std::lock_guard<std::mutex> lock(chain.mutex);
+      const auto call = std::find_if(
+          chain.running.rbegin(), chain.running.rend(), [&](const auto& c) {
+            return c.handler == handler && c.thread == self;
+          });
+      chain.running.erase(std::next(call).base());
+    }
+    chain.callEnded.notify_all();
   }
 }
 

@@ -6,10 +6,14 @@
 // removes the default one.
 //
 // Ownership: the chain holds references, not objects; a handler must stay
-// alive while registered, and must be removed before it is destroyed.
+// alive while registered, and must be removed before it is destroyed. Once
+// RemoveExceptionHandler returns, no other thread is inside the handler, so
+// it may be deleted at once.
 // Threads: Add, Remove and Raise may run on any threads at once; handlers
 // run on the thread that raised, with no lock held, so they may take time
-// (show a box) and may add or remove handlers.
+// (show a box) and may add or remove handlers. Two handlers must not remove
+// each other while both are running on different threads: each would wait
+// for the other.
 #ifndef NVSHARED_PLATFORM_UTILS_EXCEPTION_HANDLER_H_
 #define NVSHARED_PLATFORM_UTILS_EXCEPTION_HANDLER_H_
 
@@ -35,9 +39,9 @@ class NVSHARED_API ExceptionHandler {
   // Registers `handler` at the end of the chain; a handler already
   // registered stays where it is.
   static void AddExceptionHandler(ExceptionHandler& handler);
-  // Takes `handler` out of the chain, if it is there. A report that another
-  // thread is already delivering may still reach it; once that report is
-  // done, no further one will.
+  // Takes `handler` out of the chain, if it is there, and waits until no
+  // other thread is running it. Called from inside the handler (or from a
+  // handler it reached on the same thread), it does not wait for that call.
   static void RemoveExceptionHandler(ExceptionHandler& handler);
 
   // Delivers a report to every registered handler, in order. A null text is

@@ -119,5 +119,53 @@ TEST(ExceptionHandlerConcurrency, RaiseWhileRegistering) {
   EXPECT_EQ(steady.count, kThreads * kPerThread);
 }
 
+// A host removes a handler and deletes it at once, while other threads keep
+// raising. No call may still be inside the handler when it is deleted:
+// under AddressSanitizer that would be a use after free, and the flag below
+// catches it in a plain build.
+TEST(ExceptionHandlerConcurrency, RemovedHandlerMayBeDeletedAtOnce) {
+  struct Slow : ExceptionHandler {
+    std::atomic<bool> removed{false};
+    std::atomic<int>* lateCalls = nullptr;
+    void OnException(unsigned int, const char*) override {
+      std::this_thread::yield();  // widen the window
+      if (removed.load()) lateCalls->fetch_add(1);
+    }
+  };
+  ChainRestorer restorer;
+  ExceptionHandler::RemoveExceptionHandler(ExceptionHandler::s_defaultHandler);
+  std::atomic<bool> done{false};
+  std::atomic<int> lateCalls{0};
+  std::vector<std::thread> raisers;
+  for (int t = 0; t < 2; ++t) {
+    raisers.emplace_back([&done] {
+      while (!done.load()) ExceptionHandler::Raise(2, "y");
+    });
+  }
+  for (int i = 0; i < 2000; ++i) {
+    auto handler = std::make_unique<Slow>();
+    handler->lateCalls = &lateCalls;
+    ExceptionHandler::AddExceptionHandler(*handler);
+    std::this_thread::yield();
+    ExceptionHandler::RemoveExceptionHandler(*handler);
+    handler->removed.store(true);
+  }
+  done.store(true);
+  for (std::thread& t : raisers) t.join();
+  EXPECT_EQ(lateCalls.load(), 0);
+}
+
+TEST(ExceptionHandler, HandlerMayRemoveItselfWhileRunning) {
+  ChainRestorer restorer;
+  ExceptionHandler::RemoveExceptionHandler(ExceptionHandler::s_defaultHandler);
+  std::vector<std::string> journal;
+  RecordingHandler self(journal, "self");
+  self.action = [&self] { ExceptionHandler::RemoveExceptionHandler(self); };
+  ExceptionHandler::AddExceptionHandler(self);
+  ExceptionHandler::Raise(3, "z");  // must return: no wait for its own call
+  ExceptionHandler::Raise(4, "w");
+  EXPECT_EQ(journal, std::vector<std::string>{"self 3:z"});
+}
+
 }  // namespace
 }  // namespace nv_ns

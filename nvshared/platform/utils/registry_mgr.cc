@@ -6,6 +6,7 @@
 #include <limits>
 #include <string_view>
 
+#include "nvshared/internal/ascii.h"
 #include "nvshared/platform/os/atomic_file.h"
 
 using nvshared::Status;
@@ -13,13 +14,7 @@ using nvshared::StatusOr;
 
 namespace {
 
-std::string Lower(std::string_view text) {
-  std::string out(text);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return out;
-}
+using nvshared::internal::AsciiLower;
 
 bool NeedsEscape(unsigned char c) {
   return c < 0x20 || c == '=' || c == '[' || c == ']' || c == ';';
@@ -132,7 +127,7 @@ Status CRegistryMgr::SetFilePath(const std::string& path) {
             !Unescape(line.substr(1, line.size() - 2), name)) {
           return fault("broken section line");
         }
-        Section& s = loaded[Lower(name)];
+        Section& s = loaded[AsciiLower(name)];
         if (s.name.empty()) s.name = name;
         current = &s;
         continue;
@@ -144,7 +139,7 @@ Status CRegistryMgr::SetFilePath(const std::string& path) {
         return fault("broken value line");
       }
       if (current == nullptr) return fault("value outside a section");
-      Value& v = current->values[Lower(name)];
+      Value& v = current->values[AsciiLower(name)];
       if (v.name.empty()) v.name = name;
       v.text = std::move(value);
     }
@@ -179,9 +174,9 @@ bool CRegistryMgr::SetRegistryKey(const std::string& key) {
 
 const CRegistryMgr::Value* CRegistryMgr::Find(const std::string& section,
                                               const std::string& name) const {
-  const auto s = sections_.find(Lower(FullSection(section)));
+  const auto s = sections_.find(AsciiLower(FullSection(section)));
   if (s == sections_.end()) return nullptr;
-  const auto v = s->second.values.find(Lower(name));
+  const auto v = s->second.values.find(AsciiLower(name));
   return v == s->second.values.end() ? nullptr : &v->second;
 }
 
@@ -202,9 +197,9 @@ Status CRegistryMgr::Flush() const {
 bool CRegistryMgr::Write(const std::string& section, const std::string& name,
                          const std::string& text) {
   const std::string full = FullSection(section);
-  Section& s = sections_[Lower(full)];
+  Section& s = sections_[AsciiLower(full)];
   if (s.name.empty()) s.name = full;
-  Value& v = s.values[Lower(name)];
+  Value& v = s.values[AsciiLower(name)];
   if (v.name.empty()) v.name = name;
   v.text = text;
   return Flush().ok();

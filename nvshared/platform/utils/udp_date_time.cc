@@ -8,6 +8,8 @@
 
 #include <time.h>
 
+#include "nvshared/internal/ascii.h"
+
 namespace nv_ns {
 namespace {
 
@@ -23,9 +25,10 @@ struct LocalePatterns {
   std::string time = kDefaultTimePattern;
 };
 
+// Never destroyed: dates may be formatted while the process exits.
 LocalePatterns& Patterns() {
-  static LocalePatterns patterns;
-  return patterns;
+  static LocalePatterns* const patterns = new LocalePatterns();
+  return *patterns;
 }
 
 bool IsLeap(int y) { return (y % 4 == 0 && y % 100 != 0) || y % 400 == 0; }
@@ -260,9 +263,9 @@ bool Match(const char*& p, const std::string& pattern, Parsed& out) {
         out.second = v;
         break;
       case 'p': {
-        const char a = static_cast<char>(std::toupper(q[0]));
+        const char a = nvshared::internal::AsciiToUpper(q[0]);
         if ((a != 'A' && a != 'P') || q[1] == '\0' ||
-            std::toupper(q[1]) != 'M') {
+            nvshared::internal::AsciiToUpper(q[1]) != 'M') {
           return false;
         }
         out.pm = a == 'P';
