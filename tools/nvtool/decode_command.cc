@@ -60,9 +60,13 @@ std::string ReadInput(const std::string& file, std::size_t limit,
     }
     in = &in_file;
   }
-  std::string bytes(limit + 1, '\0');
-  in->read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
-  bytes.resize(static_cast<std::size_t>(in->gcount()));
+  // In pieces, so that a small input costs a small buffer.
+  std::string bytes;
+  char chunk[65536];
+  while (bytes.size() <= limit && *in) {
+    in->read(chunk, sizeof chunk);
+    bytes.append(chunk, static_cast<std::size_t>(in->gcount()));
+  }
   if (bytes.size() > limit) {
     throw CLI::RuntimeError(
         "the input holds more than " + std::to_string(limit) + " " + what, 1);
