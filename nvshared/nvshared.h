@@ -38,6 +38,7 @@
 #include "nvshared/platform/core/ids.h"
 #include "nvshared/platform/core/legs.h"
 #include "nvshared/platform/core/market_table.h"
+#include "nvshared/platform/core/opaque_data_message.h"
 #include "nvshared/platform/core/reference_data.h"
 
 // Platform: logger, handler chain, diagnostics, dates.
@@ -45,8 +46,11 @@
 #include "nvshared/platform/log/log_sink.h"
 #include "nvshared/platform/log/logger.h"
 #include "nvshared/platform/log/memory_sink.h"
+#include "nvshared/platform/utils/agile_streamable.h"
+#include "nvshared/platform/utils/data_buffer.h"
 #include "nvshared/platform/utils/dm_utils.h"
 #include "nvshared/platform/utils/exception_handler.h"
+#include "nvshared/platform/utils/opaque_capture.h"
 #include "nvshared/platform/utils/udp_date_time.h"
 
 // User-defined prices.
@@ -100,11 +104,16 @@
 // Router messages over the core stream, and their registration with a
 // router.
 #include "nvshared/messaging/common_messages.h"
+#include "nvshared/messaging/comparable.h"
 #include "nvshared/messaging/impersonate_user_request.h"
 #include "nvshared/messaging/impersonate_user_response.h"
+#include "nvshared/messaging/impersonation_data.h"
+#include "nvshared/messaging/internal_messages.h"
 #include "nvshared/messaging/message_router.h"
 #include "nvshared/messaging/message_router_request.h"
 #include "nvshared/messaging/message_router_response.h"
+#include "nvshared/messaging/opaque_blocks.h"
+#include "nvshared/messaging/opaque_messages.h"
 #include "nvshared/messaging/server_version_request.h"
 #include "nvshared/messaging/server_version_response.h"
 

@@ -1,223 +1,77 @@
-// nvtool decode and nvtool encode: tagged objects in and out of bytes.
+// nvtool decode and nvtool encode: tagged objects and whole messages in and
+// out of bytes.
 //
-// decode reads a captured buffer (raw, or hex with --hex) as one record type
-// and prints its header and every item read, one per line; a bad buffer
-// ends with the library's own message and exit status 1. encode writes a
-// record from name=value arguments, so that a round trip can be shown from
+// decode reads a captured buffer (raw, or hex with --hex) and prints its
+// header and every item read, one per line. The record type comes from --as
+// or, without it, from the name in the buffer's header. With --message (or
+// a buffer that starts like one) the input is the capture of a whole
+// message or dictionary: decode prints every attachment's block and which
+// message each factory builds from it. A bad buffer ends with the library's
+// own message and exit status 1. encode writes a record (--as) or a message
+// (--message) from name=value items, so that a round trip can be shown from
 // the shell.
-#include <charconv>
-#include <cstring>
+#include <cstdio>
 #include <fstream>
 #include <iostream>
-#include <iterator>
-#include <limits>
 #include <memory>
 #include <ostream>
 #include <sstream>
 #include <string>
 #include <vector>
 
-#include "nvshared/messaging/connection_key.h"
-#include "nvshared/messaging/server_version_request_params.h"
-#include "nvshared/messaging/spread_info.h"
 #include "nvshared/messaging/xstream_trace.h"
 #include "nvshared/platform/os/atomic_file.h"
+#include "nvshared/platform/utils/opaque_capture.h"
 #include "tools/nvtool/context.h"
+#include "tools/nvtool/message_catalog.h"
 
 namespace nvtool {
 namespace {
 
-using Fields = std::vector<std::pair<std::string, std::string>>;
-struct RecordType;
+// A tagged object's total length is a 16-bit field.
+constexpr std::size_t kMaxObjectLength = 65535;
+// Hex input may spend up to four characters on a byte (two digits, a blank
+// and room for line breaks).
+constexpr std::size_t kHexCharsPerByte = 4;
 
-[[noreturn]] void UnknownItem(const RecordType& type, const std::string& name);
-
-// One record type the tool knows: how to read a buffer as it, and how to
-// build one from fields.
-struct RecordType {
-  const char* objectName;
-  const char* className;
-  // The items encode accepts, in wire order.
-  std::vector<const char*> items;
-  // Reads the buffer; returns the object's total length.
-  std::size_t (*read)(const std::string& bytes);
-  // Writes a record with `fields` set; the others keep their defaults.
-  std::string (*write)(const RecordType& type, const Fields& fields);
-};
-
-template <typename T>
-T ParseNumber(const std::string& item, const std::string& text) {
-  T value{};
-  const char* begin = text.data();
-  const char* end = begin + text.size();
-  int base = 10;
-  if (text.size() > 2 && text[0] == '0' && (text[1] == 'x' || text[1] == 'X')) {
-    begin += 2;
-    base = 16;
-  }
-  const auto [ptr, ec] = std::from_chars(begin, end, value, base);
-  if (begin == end || ec != std::errc() || ptr != end) {
-    throw CLI::RuntimeError(item + ": '" + text + "' is not a number in " +
-                                std::to_string(std::numeric_limits<T>::min()) +
-                                ".." +
-                                std::to_string(std::numeric_limits<T>::max()),
-                            1);
-  }
-  return value;
-}
-
-bool ParseBool(const std::string& item, const std::string& text) {
-  if (text == "true" || text == "1") return true;
-  if (text == "false" || text == "0") return false;
-  throw CLI::RuntimeError(item + ": '" + text + "' is not true, false, 1 or 0",
-                          1);
-}
-
-// Up to the whole field: a full field goes without a terminator, as the
-// wire allows.
-template <std::size_t N>
-void SetField(char (&field)[N], const std::string& item,
-              const std::string& text) {
-  if (text.size() > N) {
-    throw CLI::RuntimeError(
-        item + ": at most " + std::to_string(N) + " characters", 1);
-  }
-  std::memset(field, 0, N);
-  std::memcpy(field, text.data(), text.size());
-}
-
-template <typename T>
-std::string WriteRecord(T& record) {
-  std::string bytes;
-  record.WriteToString(bytes);
-  return bytes;
-}
-
-template <typename T>
-std::size_t ReadRecord(const std::string& bytes) {
-  T record;
-  return record.ReadFrom(bytes.data(), bytes.size());
-}
-
-std::string WriteConnectionKey(const RecordType& type, const Fields& fields) {
-  nv_ns::ConnectionKey key;
-  for (const auto& [name, value] : fields) {
-    if (name == "m_brokerID") {
-      key.m_brokerID = ParseNumber<unsigned short>(name, value);
-    } else if (name == "m_gatewayID") {
-      key.m_gatewayID = ParseNumber<int>(name, value);
-    } else if (name == "m_szMember") {
-      SetField(key.m_szMember, name, value);
-    } else if (name == "m_szGroup") {
-      SetField(key.m_szGroup, name, value);
-    } else if (name == "m_szTrader") {
-      SetField(key.m_szTrader, name, value);
-    } else if (name == "m_companyID") {
-      key.m_companyID = ParseNumber<unsigned short>(name, value);
-    } else {
-      UnknownItem(type, name);
-    }
-  }
-  return WriteRecord(key);
-}
-
-std::string WriteSpreadInfo(const RecordType& type, const Fields& fields) {
-  nv_ns::SpreadInfo spread;
-  for (const auto& [name, value] : fields) {
-    if (name == "m_name") {
-      spread.m_name = value;
-    } else if (name == "m_id") {
-      spread.m_id = value;
-    } else if (name == "m_color") {
-      spread.m_color = ParseNumber<std::uint32_t>(name, value);
-    } else if (name == "m_numLegs") {
-      spread.m_numLegs = ParseNumber<unsigned int>(name, value);
-    } else if (name == "m_isQHAllowed") {
-      spread.m_isQHAllowed = ParseBool(name, value);
-    } else if (name == "m_nBrokerId") {
-      spread.m_nBrokerId = ParseNumber<unsigned short>(name, value);
-    } else if (name == "m_isAggregator") {
-      spread.m_isAggregator = ParseBool(name, value);
-    } else {
-      UnknownItem(type, name);
-    }
-  }
-  return WriteRecord(spread);
-}
-
-std::string WriteParams(const RecordType& type, const Fields& fields) {
-  nv_ns::ServerVersionRequestParams params;
-  for (const auto& [name, value] : fields) {
-    if (name == "m_szClientInfo") {
-      params.m_szClientInfo = value;
-    } else {
-      UnknownItem(type, name);
-    }
-  }
-  return WriteRecord(params);
-}
-
-const std::vector<RecordType>& RecordTypes() {
-  static const std::vector<RecordType> types = {
-      {"CK",
-       "ConnectionKey",
-       {"m_brokerID", "m_gatewayID", "m_szMember", "m_szGroup", "m_szTrader",
-        "m_companyID"},
-       ReadRecord<nv_ns::ConnectionKey>,
-       WriteConnectionKey},
-      {"ASAP",
-       "SpreadInfo",
-       {"m_name", "m_id", "m_color", "m_numLegs", "m_isQHAllowed",
-        "m_nBrokerId", "m_isAggregator"},
-       ReadRecord<nv_ns::SpreadInfo>,
-       WriteSpreadInfo},
-      {"SVRP",
-       "ServerVersionRequestParams",
-       {"m_szClientInfo"},
-       ReadRecord<nv_ns::ServerVersionRequestParams>,
-       WriteParams},
-  };
-  return types;
-}
-
-std::string KnownRecords() {
-  std::string text;
-  for (const RecordType& type : RecordTypes()) {
-    if (!text.empty()) text += ", ";
-    text += std::string(type.objectName) + " (" + type.className + ")";
-  }
-  return text;
-}
-
-void UnknownItem(const RecordType& type, const std::string& name) {
-  std::string items;
-  for (const char* item : type.items) {
-    if (!items.empty()) items += ", ";
-    items += item;
-  }
-  throw CLI::RuntimeError("'" + name + "' is no item of " + type.objectName +
-                              "; its items are " + items,
-                          1);
-}
-
-// By object name ("CK") or class name ("ConnectionKey").
 const RecordType& FindRecordType(const std::string& name) {
-  for (const RecordType& type : RecordTypes()) {
-    if (name == type.objectName || name == type.className) return type;
+  const RecordType* type = FindRecord(name);
+  if (type == nullptr) {
+    throw CLI::RuntimeError(
+        "--as " + name + ": unknown record; known: " + KnownRecords(), 1);
   }
-  throw CLI::RuntimeError(
-      "--as " + name + ": unknown record; known: " + KnownRecords(), 1);
+  return *type;
 }
 
-std::string ReadInput(const std::string& file) {
-  if (file == "-") {
-    std::ostringstream in;
-    in << std::cin.rdbuf();
-    return in.str();
+// Reads at most `limit` bytes (or characters of hex); more is an error, so
+// that nothing reads an endless standard input.
+std::string ReadInput(const std::string& file, std::size_t limit,
+                      const std::string& what) {
+  std::ifstream in_file;
+  std::istream* in = &std::cin;
+  if (file != "-") {
+    in_file.open(file, std::ios::binary);
+    if (!in_file) {
+      // The library's reader gives the system's reason.
+      auto contents = nvshared::os::ReadWholeFile(file);
+      throw CLI::RuntimeError(contents.ok() ? file + ": cannot open the file"
+                                            : contents.status().message(),
+                              1);
+    }
+    in = &in_file;
   }
-  auto contents = nvshared::os::ReadWholeFile(file);
-  if (!contents.ok()) throw CLI::RuntimeError(contents.status().message(), 1);
-  return *contents;
+  // In pieces, so that a small input costs a small buffer.
+  std::string bytes;
+  char chunk[65536];
+  while (bytes.size() <= limit && *in) {
+    in->read(chunk, sizeof chunk);
+    bytes.append(chunk, static_cast<std::size_t>(in->gcount()));
+  }
+  if (bytes.size() > limit) {
+    throw CLI::RuntimeError(
+        "the input holds more than " + std::to_string(limit) + " " + what, 1);
+  }
+  return bytes;
 }
 
 // Hex digits in pairs; blanks and line breaks between pairs are ignored.
@@ -263,8 +117,9 @@ std::string ToHex(const std::string& bytes) {
   return text + "\n";
 }
 
-void PrintEvent(std::ostream& out, const nv_ns::XStreamTraceEvent& event) {
-  const std::string indent(2 * event.depth, ' ');
+void PrintEvent(std::ostream& out, const nv_ns::XStreamTraceEvent& event,
+                int base_depth) {
+  const std::string indent(2 * (event.depth + base_depth), ' ');
   if (event.kind == nv_ns::XStreamTraceEvent::kObject) {
     char version[16];
     std::snprintf(version, sizeof version, "0x%08x", event.version);
@@ -277,28 +132,129 @@ void PrintEvent(std::ostream& out, const nv_ns::XStreamTraceEvent& event) {
       << event.tag << " " << event.value << "\n";
 }
 
-struct DecodeOptions {
-  std::string as;
-  std::string file = "-";
-  bool hex = false;
-};
-
-void RunDecode(const Context& context, const DecodeOptions& options) {
-  const RecordType& type = FindRecordType(options.as);
-  std::string bytes = ReadInput(options.file);
-  if (options.hex) bytes = FromHex(bytes);
-
-  std::ostream& out = *context.out;
-  nv_ns::XStreamTrace trace([&out](const nv_ns::XStreamTraceEvent& event) {
-    PrintEvent(out, event);
-  });
-  std::size_t total = 0;
+// Reads `bytes` as `type`, printing each header and item; returns the total
+// length. The library's exception becomes the command's one-line failure.
+std::size_t Trace(std::ostream& out, const RecordType& type,
+                  const std::string& bytes, int base_depth) {
+  nv_ns::XStreamTrace trace(
+      [&out, base_depth](const nv_ns::XStreamTraceEvent& event) {
+        PrintEvent(out, event, base_depth);
+      });
   try {
-    total = type.read(bytes);
+    return type.read(bytes);
   } catch (const std::exception& e) {
     out.flush();
     throw CLI::RuntimeError(e.what(), 1);
   }
+}
+
+bool LooksLikeCapture(const std::string& bytes) {
+  return bytes.compare(0, 4, nv_ns::OpaqueCapture::kMessageMagic) == 0 ||
+         bytes.compare(0, 4, nv_ns::OpaqueCapture::kDictionaryMagic) == 0;
+}
+
+// The record named in the header of `bytes`.
+const RecordType& RecogniseRecord(const std::string& bytes) {
+  if (bytes.size() < 12) {
+    throw CLI::RuntimeError(std::to_string(bytes.size()) +
+                                " bytes hold no tagged object header; the "
+                                "header alone takes 12",
+                            1);
+  }
+  std::string name = bytes.substr(7, 5);
+  name = name.substr(0, name.find('\0'));
+  const RecordType* type = FindRecord(name);
+  if (type == nullptr) {
+    throw CLI::RuntimeError("no known record is named " +
+                                nv_ns::QuoteBytes(name.data(), name.size()) +
+                                "; known: " + KnownRecords(),
+                            1);
+  }
+  return *type;
+}
+
+void PrintAttachment(std::ostream& out, short id, const std::string& bytes) {
+  const std::string length = std::to_string(bytes.size()) + " bytes";
+  if (const RecordType* type = FindRecordById(id)) {
+    out << "attachment " << id << " " << type->objectName << " ("
+        << type->className << "), " << length << "\n";
+    Trace(out, *type, bytes, 1);
+  } else if (const MessageType* message = FindMessageById(id)) {
+    out << "attachment " << id << " (" << message->name << "), " << length
+        << ": " << nv_ns::QuoteBytes(bytes.data(), bytes.size()) << "\n";
+  } else {
+    out << "attachment " << id << ", " << length << ": no block has this id\n";
+  }
+}
+
+void DecodeMessage(std::ostream& out, const std::string& bytes) {
+  auto capture = nv_ns::OpaqueCapture::Read(bytes);
+  if (!capture.ok()) throw CLI::RuntimeError(capture.status().message(), 1);
+  const bool is_message =
+      capture->carrier == nv_ns::OpaqueCapture::Carrier::kMessage;
+  if (is_message) {
+    out << "OpaqueDataMessage, " << capture->message.AgileData().size()
+        << " attachments\n";
+    for (const auto& [id, data] : capture->message.AgileData()) {
+      PrintAttachment(out, id, data);
+    }
+  } else {
+    out << "dictionary, " << capture->entries.size() << " entries\n";
+    for (const auto& [id, buffer] : capture->entries) {
+      PrintAttachment(out, id,
+                      std::string(buffer->m_pData,
+                                  static_cast<std::size_t>(buffer->m_size)));
+    }
+  }
+  FactoryResult result;
+  try {
+    result = is_message ? RunFactories(&capture->message, nullptr)
+                        : RunFactories(nullptr, &capture->entries);
+  } catch (const CLI::RuntimeError&) {
+    throw;
+  } catch (const std::exception& e) {
+    out.flush();
+    throw CLI::RuntimeError(e.what(), 1);
+  }
+  for (const std::string& line : result.lines) out << line << "\n";
+}
+
+struct DecodeOptions {
+  std::string as;
+  std::string file = "-";
+  bool hex = false;
+  bool message = false;
+};
+
+void RunDecode(const Context& context, const DecodeOptions& options) {
+  const RecordType* type =
+      options.as.empty() ? nullptr : &FindRecordType(options.as);
+  // With --as the input is one object; otherwise it may be a capture.
+  const std::size_t limit = type != nullptr
+                                ? kMaxObjectLength
+                                : nv_ns::OpaqueCapture::kMaxCaptureLength;
+  const char* const most = type != nullptr ? "the most a tagged object takes"
+                                           : "the most a capture takes";
+  std::string bytes;
+  if (options.hex) {
+    bytes = FromHex(ReadInput(options.file, kHexCharsPerByte * limit,
+                              std::string("characters of hex, ") + most));
+  } else {
+    bytes = ReadInput(options.file, limit, std::string("bytes, ") + most);
+  }
+  std::ostream& out = *context.out;
+  if (options.message || (type == nullptr && LooksLikeCapture(bytes))) {
+    DecodeMessage(out, bytes);
+    return;
+  }
+  if (bytes.size() > kMaxObjectLength) {
+    throw CLI::RuntimeError("the input holds more than " +
+                                std::to_string(kMaxObjectLength) +
+                                " bytes, the most a tagged object takes",
+                            1);
+  }
+  if (type == nullptr) type = &RecogniseRecord(bytes);
+  const std::size_t total = Trace(out, *type, bytes, 0);
   if (total < bytes.size()) {
     out << bytes.size() - total << " bytes follow the object\n";
   }
@@ -306,13 +262,38 @@ void RunDecode(const Context& context, const DecodeOptions& options) {
 
 struct EncodeOptions {
   std::string as;
+  std::string message;
+  bool dictionary = false;
   std::vector<std::string> fields;
   bool hex = false;
   std::string output;
 };
 
+std::string EncodeMessage(const EncodeOptions& options, const Fields& fields) {
+  const MessageType* type = FindMessage(options.message);
+  if (type == nullptr) {
+    throw CLI::RuntimeError("--message " + options.message +
+                                ": unknown message; known: " + KnownMessages(),
+                            1);
+  }
+  nvshared::StatusOr<std::string> saved = std::string();
+  if (options.dictionary) {
+    nv_ns::dictionary entries;
+    type->save(fields, nullptr, &entries);
+    saved = nv_ns::OpaqueCapture::Save(entries);
+  } else {
+    dv_core_ns::OpaqueDataMessage message;
+    type->save(fields, &message, nullptr);
+    saved = nv_ns::OpaqueCapture::Save(message);
+  }
+  if (!saved.ok()) throw CLI::RuntimeError(saved.status().message(), 1);
+  return *saved;
+}
+
 void RunEncode(const Context& context, const EncodeOptions& options) {
-  const RecordType& type = FindRecordType(options.as);
+  if (options.as.empty() == options.message.empty()) {
+    throw CLI::RuntimeError("give one of --as NAME and --message NAME", 2);
+  }
   Fields fields;
   for (const std::string& field : options.fields) {
     const std::size_t eq = field.find('=');
@@ -323,7 +304,12 @@ void RunEncode(const Context& context, const EncodeOptions& options) {
   }
   std::string bytes;
   try {
-    bytes = type.write(type, fields);
+    if (!options.message.empty()) {
+      bytes = EncodeMessage(options, fields);
+    } else {
+      const RecordType& type = FindRecordType(options.as);
+      bytes = type.write(type, fields);
+    }
   } catch (const CLI::RuntimeError&) {
     throw;
   } catch (const std::exception& e) {
@@ -347,20 +333,31 @@ void AddDecodeCommand(CLI::App& app, Context& context) {
       "decode",
       "Read a tagged object from bytes and print its header and every item "
       "read, one per line: number, name, kind (T scalar, S string, C char "
-      "array, V vector, E object vector, I nested object) and value. A bad "
-      "buffer ends with the library's message and exit status 1.");
+      "array, V vector, E object vector, I nested object) and value. With "
+      "--message, or when the input starts with \"NVOM\" or \"NVOD\", read "
+      "the capture of a whole message or dictionary: print each attachment "
+      "and which message each factory builds. Input is limited to what the "
+      "format can hold: 65535 bytes for an object, 16777216 for a capture. A "
+      "bad buffer ends with the library's message and exit status 1.");
+  CLI::Option* as =
+      decode
+          ->add_option("--as", options->as,
+                       "Record type, by object or class name (default: the "
+                       "name in the buffer's header): " +
+                           KnownRecords())
+          ->type_name("NAME");
   decode
-      ->add_option("--as", options->as,
-                   "Record type, by object or class name: " + KnownRecords())
-      ->required()
-      ->type_name("NAME");
+      ->add_flag("--message", options->message,
+                 "The input is a whole message or dictionary as nvtool "
+                 "encode --message writes it (default: off)")
+      ->excludes(as);
   decode
       ->add_option("file", options->file,
                    "File to read; '-' (the default) reads standard input")
       ->type_name("FILE");
   decode->add_flag("--hex", options->hex,
                    "The input is hex digit pairs, blanks allowed between "
-                   "pairs");
+                   "pairs (default: raw bytes)");
   decode->callback([&context, options] { RunDecode(context, *options); });
 }
 
@@ -368,14 +365,28 @@ void AddEncodeCommand(CLI::App& app, Context& context) {
   auto options = std::make_shared<EncodeOptions>();
   CLI::App* encode = app.add_subcommand(
       "encode",
-      "Write a tagged object from name=value items (names as decode prints "
-      "them; items not given keep their defaults) to standard output or a "
-      "file.");
+      "Write a tagged object (--as) or a whole message (--message) from "
+      "name=value items (names as decode prints them; items not given keep "
+      "their defaults) to standard output or a file. List elements are "
+      "indexed: m_list.elements[0].m_szMember=A "
+      "m_list.elements[1].m_szMember=B; "
+      "int vectors are comma-separated.");
+  CLI::Option* as = encode
+                        ->add_option("--as", options->as,
+                                     "Record type, by object or class name: " +
+                                         KnownRecords())
+                        ->type_name("NAME");
+  CLI::Option* message =
+      encode
+          ->add_option("--message", options->message,
+                       "Message class to build and store: " + KnownMessages())
+          ->type_name("NAME")
+          ->excludes(as);
   encode
-      ->add_option("--as", options->as,
-                   "Record type, by object or class name: " + KnownRecords())
-      ->required()
-      ->type_name("NAME");
+      ->add_flag("--dictionary", options->dictionary,
+                 "With --message, store in a dictionary (\"NVOD\") instead of "
+                 "an OpaqueDataMessage (\"NVOM\", the default)")
+      ->needs(message);
   encode->add_option("items", options->fields, "Items as name=value")
       ->type_name("NAME=VALUE");
   encode->add_flag("--hex", options->hex,

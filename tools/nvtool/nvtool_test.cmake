@@ -170,4 +170,4 @@ run(1 "^$" "^nvtool: --as XX: unknown record; known: CK \\(ConnectionKey\\)" dec
 run(1 "^$" "^nvtool: 'm_bogus' is no item of CK; its items are m_brokerID," encode --as CK m_bogus=1)
 run(1 "^$" "^nvtool: m_szGroup: at most 4 characters\n$" encode --as CK m_szGroup=ABCDE)
 run(1 "^$" "^nvtool: m_isAggregator: 'yes' is not true, false, 1 or 0\n$" encode --as ASAP m_isAggregator=yes)
-run(2 "^$" "^nvtool: --as is required" decode "${WORK_DIR}/ck.bin")
+run(0 "^object CK: " "^$" decode "${WORK_DIR}/ck.bin")
