@@ -352,14 +352,17 @@ TEST_F(NamingTest, SpreadTypeNames) {
   }
 }
 
-TEST_F(NamingTest, CustomNamesReplaceTheNameAcrossFlavours) {
+TEST_F(NamingTest, CustomNamesReplaceTheName) {
   const SeriesID& es = SampleSeries(kCmeA, "ESH4");
   SeriesNameFormatterPeer::AddName(es, "My Future");
   EXPECT_EQ(Name(es), "My Future");
   FormatContractConfig noCustom = DefaultFormatContractConfig;
   noCustom.useCustomName = false;
   EXPECT_EQ(Name(es, noCustom), "E-mini S&P 500 Mar14");
-  // A leg of a named spread is named by its own custom name.
+  // The legs of a spread keep their own names; a named spread is its name.
+  Formatter().SetProductNameEnabled(true);
+  EXPECT_EQ(Name(SampleSeries(kCmeA, "ESH4-ESM4")),
+            "Calendar: 1xES Mar14:-1xJun14");
   SeriesNameFormatterPeer::AddName(SampleSeries(kCmeA, "ESH4-ESM4"), "Roll");
   EXPECT_EQ(Name(SampleSeries(kCmeA, "ESH4-ESM4")), "Roll");
 }
