@@ -34,8 +34,11 @@ std::function<void(SeriesID&)> Strike(int strike, int divisor, char callPut) {
   };
 }
 
-std::function<void(SeriesID&)> Named(const char* name) {
-  return [=](SeriesID& s) { s.seriesName.Assign(name); };
+std::function<void(SeriesID&)> Named(const char* name, int combCode = 0) {
+  return [=](SeriesID& s) {
+    s.seriesName.Assign(name);
+    if (combCode != 0) s.combCode = static_cast<std::int16_t>(combCode);
+  };
 }
 
 struct OrderCase {
@@ -95,18 +98,8 @@ TEST(SeriesCompareTest, OrdersPairsAsTheScreensDo) {
       {"spreads by their legs", S(7, "ESH4-ESM4"), S(7, "ESM4-ESU4"), -1},
       {"a spread with unknown legs equals any of its product",
        S(7, "ESU4-ESZ4"), S(7, "ESH4-ESM4"), 0},
-      {"custom spreads by name first",
-       S(7, "ESH4-ESM4",
-         [](SeriesID& s) {
-           s.combCode = 552;
-           s.seriesName.Assign("B");
-         }),
-       S(7, "ESH4-ESM4",
-         [](SeriesID& s) {
-           s.combCode = 552;
-           s.seriesName.Assign("A");
-         }),
-       1},
+      {"custom spreads by name first", S(7, "ESH4-ESM4", Named("B", 552)),
+       S(7, "ESH4-ESM4", Named("A", 552)), 1},
   };
   for (const OrderCase& c : cases) {
     SCOPED_TRACE(c.what);
