@@ -10,6 +10,7 @@
 #include "nvshared/messaging/spread_info.h"
 #include "nvshared/testing/hex_bytes.h"
 #include "nvshared/testing/message_of.h"
+#include "nvshared/testing/wire_bytes.h"
 
 namespace nv_ns {
 namespace {
@@ -17,6 +18,7 @@ namespace {
 using nvshared::testing::HexBytes;
 using nvshared::testing::MessageOf;
 using nvshared::testing::ToHex;
+using nvshared::testing::XStreamBytes;
 
 // ConnectionKey(5, 7, 3, "M", "G", "T"): 12 + 29 bytes.
 const std::string kKeyBytes = HexBytes(
@@ -40,20 +42,13 @@ const std::string kSpreadBytes = HexBytes(
 const std::string kParamsBytes = HexBytes(
     "01 12 00 | 00 00 00 08 | 'S' 'V' 'R' 'P' 00 | 53 03 00 01 'a' 'b'");
 
-template <typename T>
-std::string Write(T object) {
-  std::string out;
-  object.WriteToString(out);
-  return out;
-}
-
 TEST(RecordsTest, GoldenBytesBothWays) {
-  EXPECT_EQ(ToHex(Write(ConnectionKey(5, 7, 3, "M", "G", "T"))),
+  EXPECT_EQ(ToHex(XStreamBytes(ConnectionKey(5, 7, 3, "M", "G", "T"))),
             ToHex(kKeyBytes));
-  EXPECT_EQ(ToHex(Write(SpreadInfo())), ToHex(kSpreadBytes));
+  EXPECT_EQ(ToHex(XStreamBytes(SpreadInfo())), ToHex(kSpreadBytes));
   ServerVersionRequestParams params;
   params.m_szClientInfo = "ab";
-  EXPECT_EQ(ToHex(Write(params)), ToHex(kParamsBytes));
+  EXPECT_EQ(ToHex(XStreamBytes(params)), ToHex(kParamsBytes));
 
   ConnectionKey key;
   EXPECT_EQ(key.ReadFrom(kKeyBytes.data(), kKeyBytes.size()), 41u);
@@ -64,11 +59,11 @@ TEST(RecordsTest, GoldenBytesBothWays) {
   // No value at its default: writing what was read gives the same bytes.
   SpreadInfo spread("Cal", "ID9", 0x123456789ul, 2, true, 4, true);
   SpreadInfo read_back;
-  const std::string bytes = Write(spread);
+  const std::string bytes = XStreamBytes(spread);
   EXPECT_EQ(bytes.size(), 12 + spread.Measure());
   read_back.ReadFrom(bytes.data(), bytes.size());
   EXPECT_EQ(read_back.m_color, 0x23456789ul);  // 32 bits on the wire
-  EXPECT_EQ(Write(read_back), bytes);
+  EXPECT_EQ(XStreamBytes(read_back), bytes);
 
   ServerVersionRequestParams params_back;
   params_back.ReadFrom(kParamsBytes.data(), kParamsBytes.size());

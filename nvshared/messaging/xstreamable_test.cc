@@ -7,6 +7,7 @@
 
 #include "nvshared/testing/hex_bytes.h"
 #include "nvshared/testing/message_of.h"
+#include "nvshared/testing/wire_bytes.h"
 
 namespace nv_ns {
 namespace {
@@ -14,6 +15,7 @@ namespace {
 using nvshared::testing::HexBytes;
 using nvshared::testing::MessageOf;
 using nvshared::testing::ToHex;
+using nvshared::testing::XStreamBytes;
 
 // A nested record: one 4-byte scalar.
 struct Inner final : XStreamable {
@@ -119,17 +121,11 @@ const std::string kKindsBytes = HexBytes(
     "| 01 12 00 01 00 00 00 'I' 'N' 00 00 00 54 04 01 00 00 00"
     "| 01 12 00 01 00 00 00 'I' 'N' 00 00 00 54 04 02 00 00 00");
 
-std::string Write(XStreamable& object) {
-  std::string out;
-  object.WriteToString(out);
-  return out;
-}
-
 // Writing the object read gives the golden bytes again (every value differs
 // from its default), so every item was read.
 TEST(XStreamableTest, EveryItemKindBothWays) {
   Kinds k = SampleKinds();
-  EXPECT_EQ(ToHex(Write(k)), ToHex(kKindsBytes));
+  EXPECT_EQ(ToHex(XStreamBytes(k)), ToHex(kKindsBytes));
   EXPECT_EQ(k.m_itemsDone, 11);
   EXPECT_EQ(k.GetDirection(), XStreamable::kIdle);
 
@@ -141,14 +137,14 @@ TEST(XStreamableTest, EveryItemKindBothWays) {
   EXPECT_EQ(read.m_itemsDone, 11);
   EXPECT_EQ(read.GetStreamVersion(), 1u);
   EXPECT_FALSE(read.m_list[1].HasFailed());
-  EXPECT_EQ(ToHex(Write(read)), ToHex(kKindsBytes));
+  EXPECT_EQ(ToHex(XStreamBytes(read)), ToHex(kKindsBytes));
 }
 
 TEST(XStreamableTest, VersionGate) {
   Gate v2(2);
   v2.m_a = 5;
   v2.m_b = "ab";
-  const std::string old_bytes = Write(v2);
+  const std::string old_bytes = XStreamBytes(v2);
   // 12 + 6 + 6: the v2 object ends on an item boundary.
   ASSERT_EQ(old_bytes.size(), 24u);
   std::string cut = old_bytes.substr(0, 22);  // cut inside its string
@@ -179,7 +175,7 @@ TEST(XStreamableTest, VersionGate) {
        "Buffer Underflow when processing item #2 (m_c) in object 'GATE'. "
        "Item needs 4 bytes. Current offset 24. Buffer length 24 bytes"},
       // A newer writer's extra item is left unread; the total skips it.
-      {"newer writer", Write(v4), "", -1, 1, 3},
+      {"newer writer", XStreamBytes(v4), "", -1, 1, 3},
       // No items at all: an error at the reader's version, nothing but
       // defaults at an older one.
       {"no items", empty,
@@ -213,7 +209,7 @@ TEST(XStreamableTest, NewerElementsInAVectorAreSkippedByTheirLength) {
   writer.m_gates = {Gate(4), Gate(3)};
   writer.m_gates[0].m_d = 1;
   writer.m_gates[1].m_a = 42;
-  const std::string bytes = Write(writer);
+  const std::string bytes = XStreamBytes(writer);
   Holder reader;
   reader.ReadFrom(bytes.data(), bytes.size());
   ASSERT_EQ(reader.m_gates.size(), 2u);
@@ -263,7 +259,7 @@ TEST(XStreamableTest, HeaderFailures) {
 
 TEST(XStreamableTest, NameBytesAfterTheFirstNulAreIgnored) {
   Inner in(3);
-  std::string bytes = Write(in);
+  std::string bytes = XStreamBytes(in);
   bytes[10] = 'm';
   bytes[11] = 'x';
   Inner out;
