@@ -47,10 +47,10 @@ void ExpectCommonMessagesRegistered(Router& router) {
     EXPECT_EQ(r.id, expected[i].id);
     EXPECT_EQ(r.name, expected[i].name);
     ASSERT_NE(r.factory, nullptr);
-    // A default instance of the registered class.
+    // A default instance of the registered class, its name left empty.
     Streamable* made = r.factory->Create();
     ASSERT_NE(made, nullptr);
-    EXPECT_EQ(made->Id().classId, expected[i].id);
+    EXPECT_EQ(made->Id(), (dv_stream_ns::VerClsId{expected[i].id, ""}));
     r.factory->Destroy(made);
   }
 }

@@ -1,65 +1,19 @@
 #include "nvshared/messaging/convert_gmt.h"
 
-#include <cstdlib>
-#include <ctime>
-#include <string>
-
 #include <gtest/gtest.h>
 
-#include "nvshared/platform/os/time_zone.h"
+#include "nvshared/testing/zone_scope.h"
 
 namespace nv_ns {
 namespace {
 
 using dv_core_ns::Date;
 using dv_core_ns::Time;
+using nvshared::testing::ZoneScope;
 
-// Sets TZ for one test and puts the old value back.
-class ZoneScope {
- public:
-  explicit ZoneScope(const char* zone) {
-    if (const char* old = std::getenv("TZ")) m_old = old, m_hadOld = true;
-    setenv("TZ", zone, 1);
-    tzset();
-  }
-  ~ZoneScope() {
-    if (m_hadOld) {
-      setenv("TZ", m_old.c_str(), 1);
-    } else {
-      unsetenv("TZ");
-    }
-    tzset();
-  }
-
- private:
-  std::string m_old;
-  bool m_hadOld = false;
-};
-
-TEST(ConvertGmtTest, ZoneBias) {
-  struct Case {
-    const char* zone;
-    int bias;
-    int daylightBias;
-    nvshared::os::TimeZoneInfo::State state;
-  };
-  const Case cases[] = {
-      {"UTC0", 0, 0, nvshared::os::TimeZoneInfo::kUnknown},
-      {"XXX-2", -120, 0, nvshared::os::TimeZoneInfo::kUnknown},
-      {"XXX5", 300, 0, nvshared::os::TimeZoneInfo::kUnknown},
-      // Daylight time all year round: standard UTC-3, daylight UTC-2.
-      {"AAA3BBB,J1/0,J365/25", 180, -60, nvshared::os::TimeZoneInfo::kDaylight},
-  };
-  for (const Case& c : cases) {
-    ZoneScope scope(c.zone);
-    const nvshared::os::TimeZoneInfo info = nvshared::os::CurrentTimeZone();
-    EXPECT_EQ(info.bias, c.bias) << c.zone;
-    EXPECT_EQ(info.standardBias, 0) << c.zone;
-    EXPECT_EQ(info.daylightBias, c.daylightBias) << c.zone;
-    EXPECT_EQ(info.state, c.state) << c.zone;
-  }
-}
-
+// Each row's shift is the zone's bias, so the rows also pin what the zone
+// reader reports: UTC+2 and UTC-5 without daylight time, and daylight time
+// all year round (standard UTC-3, daylight UTC-2) taken as in force.
 TEST(ConvertGmtTest, Conversions) {
   struct Case {
     const char* zone;

@@ -34,42 +34,33 @@ Block RoundTrip(const char* hex, bool rewrites = true) {
 }
 
 TEST(OpaqueBlocksTest, GoldenBytesBothWays) {
-  auto orqm = RoundTrip<OpaqueRequestMessageBlock>(
+  RoundTrip<OpaqueRequestMessageBlock>(
       "01 23 00 01 00 00 00 'O' 'R' 'Q' 'M' 00 | 54 01 01"
       "| 54 08 01 00 00 00 00 00 00 00 | 54 08 08 07 06 05 04 03 02 01");
-  EXPECT_EQ(orqm.m_tReceivedTickCount, 0x0102030405060708);
-  auto orsm = RoundTrip<OpaqueResponseMessageBlock>(
+  RoundTrip<OpaqueResponseMessageBlock>(
       "01 26 00 01 00 00 00 'O' 'R' 'S' 'M' 00 | 54 04 07 00 00 00"
       "| 54 08 fe ff ff ff ff ff ff ff | 54 08 02 00 00 00 00 00 00 00");
-  EXPECT_EQ(orsm.m_tSentTickCount, -2);
-  auto svrq = RoundTrip<ServerVersionRequestBlock>(
+  RoundTrip<ServerVersionRequestBlock>(
       "01 1c 00 01 00 00 00 'S' 'V' 'R' 'Q' 00 | 53 02 00 01 'u'"
       "| 53 03 00 01 'a' 'p' | 53 02 00 01 'c'");
-  EXPECT_EQ(svrq.m_szApplicationId, "ap");
-  auto svrs = RoundTrip<ServerVersionResponseBlock>(
+  RoundTrip<ServerVersionResponseBlock>(
       "01 48 00 02 00 00 00 'S' 'V' 'R' 'S' 00 | 54 04 03 00 00 00"
       "| 53 02 00 01 's' | 53 02 00 01 'v' | 53 02 00 01 'e'"
       "| 54 04 02 00 00 00 | 53 02 00 01 'i' | 45 1b 00 01 00"
       "|   01 17 00 01 00 00 00 'E' 'I' 'B' 00 00 | 54 04 05 00 00 00"
       "|   53 02 00 01 'f'");
-  ASSERT_EQ(svrs.m_engineInfos.size(), 1u);
-  EXPECT_EQ(svrs.m_engineInfos[0].m_engineVersion, "f");
-  auto iurq = RoundTrip<ImpersonateUserRequestBlock>(
+  RoundTrip<ImpersonateUserRequestBlock>(
       "01 39 00 03 00 00 00 'I' 'U' 'R' 'Q' 00 | 54 04 10 00 00 00"
       "| 53 02 00 01 'M' | 53 02 00 01 'G' | 53 02 00 01 'T'"
       "| 53 03 00 01 'p' 'w' | 54 04 02 00 00 00 | 54 04 03 00 00 00"
       "| 54 01 01 | 54 01 01");
-  EXPECT_EQ(iurq.m_encryptedPassword, "pw");
-  auto sers = RoundTrip<SupportedExchangeResponseBlock>(
+  RoundTrip<SupportedExchangeResponseBlock>(
       "01 44 00 05 00 00 00 'S' 'E' 'R' 'S' 00 | 54 04 09 00 00 00"
       "| 56 05 00 04 01 00 00 00 | 56 05 00 04 02 00 00 00"
       "| 56 09 00 04 01 00 00 00 02 00 00 00 | 56 01 00 04"
       "| 54 04 04 00 00 00 | 56 05 00 04 07 00 00 00 | 56 01 00 04");
-  EXPECT_EQ(sers.m_aPrimaryExchangeIDsOld, std::vector<int>{2});
-  EXPECT_EQ(sers.m_aExchangeIDs, (std::vector<int>{1, 2}));
-  auto pmrs = RoundTrip<PushMGTResponseBlock>(
+  RoundTrip<PushMGTResponseBlock>(
       "01 12 00 01 00 00 00 'P' 'M' 'R' 'S' 00 | 53 03 00 01 'o' 'k'");
-  EXPECT_EQ(pmrs.m_strResponse, "ok");
   // The empty blocks are bare headers, with their own versions.
   RoundTrip<ImpersonateUserResponseBlock>(
       "01 0c 00 01 00 00 00 'I' 'U' 'R' 'S' 00");
@@ -107,29 +98,23 @@ TEST(OpaqueBlocksTest, GoldenPushOfTwoImpersonations) {
 }
 
 TEST(OpaqueBlocksTest, GoldenInternalBlocks) {
-  auto cmsb = RoundTrip<ConnectMessageBlock>(
+  RoundTrip<ConnectMessageBlock>(
       "01 15 00 02 00 00 00 'C' 'M' 'S' 'B' 00 | 53 03 00 01 'i' 'p'"
       "| 54 01 01");
-  EXPECT_EQ(cmsb.m_ipAddress, "ip");
-  auto crmb = RoundTrip<ConnectResponseMessageBlock>(
+  RoundTrip<ConnectResponseMessageBlock>(
       "01 1c 00 02 00 00 00 'C' 'R' 'M' 'B' 00 | 54 04 04 00 00 00"
       "| 53 02 00 01 'a' | 53 02 00 01 'b'");
-  EXPECT_EQ(crmb.m_serverInstanceId, "b");
-  auto dmsb = RoundTrip<DisconnectMessageBlock>(
+  RoundTrip<DisconnectMessageBlock>(
       "01 17 00 01 00 00 00 'D' 'M' 'S' 'B' 00 | 54 04 01 00 00 00"
       "| 53 02 00 01 'r'");
-  EXPECT_EQ(dmsb.m_sReason, "r");
-  auto smb = RoundTrip<StringMessageBlock>(
+  RoundTrip<StringMessageBlock>(
       "01 18 00 01 00 00 00 'S' 'M' 'B' 00 00 | 54 04 02 00 00 00"
       "| 53 03 00 01 'h' 'i'");
-  EXPECT_EQ(smb.m_iRequestID, 2);
-  auto csmb = RoundTrip<CancelSubscriptionMessageBlock>(
+  RoundTrip<CancelSubscriptionMessageBlock>(
       "01 12 00 01 00 00 00 'C' 'S' 'M' 'B' 00 | 54 04 05 00 00 00");
-  EXPECT_EQ(csmb.m_iSubscriptionRequestID, 5);
-  auto sirs = RoundTrip<ServerInstanceIDResponseBlock>(
+  RoundTrip<ServerInstanceIDResponseBlock>(
       "01 1a 00 01 00 00 00 'S' 'I' 'R' 'S' 00 | 54 04 03 00 00 00"
       "| 53 02 00 01 'x' | 54 01 01");
-  EXPECT_TRUE(sirs.m_bClientConnected);
 }
 
 TEST(OpaqueBlocksTest, OlderWritersEndEarly) {

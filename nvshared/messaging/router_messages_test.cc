@@ -12,6 +12,7 @@
 #include "nvshared/messaging/server_version_response.h"
 #include "nvshared/platform/stream/stream_exceptions.h"
 #include "nvshared/testing/hex_bytes.h"
+#include "nvshared/testing/wire_bytes.h"
 
 namespace nv_ns {
 namespace {
@@ -20,13 +21,7 @@ using dv_stream_ns::FastStreamBuffer;
 using dv_stream_ns::Stream;
 using dv_stream_ns::Streamable;
 using nvshared::testing::HexBytes;
-
-std::string WriteOut(Streamable& message) {
-  FastStreamBuffer buffer;
-  Stream stream(&buffer);
-  message.Transfer(stream, Streamable::eWrite);
-  return std::string(buffer.data(), buffer.write_position());
-}
+using nvshared::testing::StreamBytes;
 
 // Reads all of `bytes` into `message`.
 void ReadIn(Streamable& message, const std::string& bytes) {
@@ -109,10 +104,10 @@ std::vector<MessageCase> MessageCases() {
 TEST(RouterMessages, WriteTheirMembersInOrderAndReadThemBack) {
   for (const MessageCase& c : MessageCases()) {
     SCOPED_TRACE(c.name);
-    EXPECT_EQ(WriteOut(*c.make(true)), c.bytes);
+    EXPECT_EQ(StreamBytes(*c.make(true)), c.bytes);
     auto read = c.make(false);
     ReadIn(*read, c.bytes);
-    EXPECT_EQ(WriteOut(*read), c.bytes);
+    EXPECT_EQ(StreamBytes(*read), c.bytes);
     // Every buffer cut short underflows.
     for (std::size_t size = 0; size < c.bytes.size(); ++size) {
       const std::string cut = c.bytes.substr(0, size);
@@ -129,22 +124,7 @@ TEST(RouterMessages, RequestConnectionIdStaysOnTheSendingSide) {
   MessageRouterRequest request;
   ReadIn(request, HexBytes(kRequestBase));
   EXPECT_EQ(request.m_iConnectionID, -1);
-  EXPECT_EQ(request.m_iRequestID, 0x01020304);
-
-  ServerVersionResponse response;
-  EXPECT_EQ(response.m_engineType, -1);
-  ReadIn(response, HexBytes(std::string(kResponseBase) +
-                            "00 00 00 00 | 00 | 00 | 00 | 05 00 00 00"));
-  EXPECT_EQ(response.m_iConnectionID, 3);
-  EXPECT_EQ(response.m_engineType, 5);
-}
-
-TEST(RouterMessages, IdsCarryTheClassIdAndAnEmptyName) {
-  using dv_stream_ns::VerClsId;
-  EXPECT_EQ(ImpersonateUserRequest().Id(), (VerClsId{65287, ""}));
-  EXPECT_EQ(ServerVersionResponse().Id(), (VerClsId{65344, ""}));
-  EXPECT_EQ(ImpersonateUserResponse().Id(), (VerClsId{65345, ""}));
-  EXPECT_EQ(MessageRouterRequest().Id(), VerClsId{});
+  EXPECT_EQ(request.Id(), dv_stream_ns::VerClsId{});  // the bases have none
 }
 
 TEST(RouterMessages, IdConcurrencyBuildsOnceAndAgreesEverywhere) {
