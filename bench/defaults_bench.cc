@@ -16,6 +16,7 @@
 #include <string_view>
 #include <vector>
 
+#include "bench/allocation_counter.h"
 #include <benchmark/benchmark.h>
 
 #include "nvshared/defaults/default_key.h"
@@ -23,27 +24,6 @@
 #include "nvshared/market/exchange_names.h"
 #include "nvshared/market/market_utils.h"
 #include "nvshared/platform/core/reference_data.h"
-
-namespace {
-
-std::atomic<long> g_allocations{0};
-
-}  // namespace
-
-// Counting replacements of the global allocation functions. Kept out of
-// line: g++ otherwise sees malloc and free through the inlined calls and
-// warns of a mismatch that is not there.
-__attribute__((noinline)) void* operator new(std::size_t size) {
-  g_allocations.fetch_add(1, std::memory_order_relaxed);
-  if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
-  throw std::bad_alloc();
-}
-__attribute__((noinline)) void operator delete(void* p) noexcept {
-  std::free(p);
-}
-__attribute__((noinline)) void operator delete(void* p, std::size_t) noexcept {
-  std::free(p);
-}
 
 namespace {
 
@@ -233,9 +213,10 @@ void BM_MatchProductAllocations(benchmark::State& state) {
   const char* text = list.c_str();
   long allocations = 0;
   for (auto _ : state) {
-    const long before = g_allocations.load(std::memory_order_relaxed);
+    const long before = static_cast<long>(nvshared::bench::AllocationCount());
     benchmark::DoNotOptimize(key.MatchProduct(text));
-    allocations += g_allocations.load(std::memory_order_relaxed) - before;
+    allocations +=
+        static_cast<long>(nvshared::bench::AllocationCount()) - before;
   }
   state.counters["length"] = static_cast<double>(list.size());
   state.counters["allocations"] = static_cast<double>(allocations);

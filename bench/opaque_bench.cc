@@ -17,28 +17,11 @@
 #include <new>
 #include <string>
 
+#include "bench/allocation_counter.h"
 #include "opaque_messages.pb.h"
 #include <benchmark/benchmark.h>
 
 #include "nvshared/messaging/opaque_messages.h"
-
-namespace {
-std::atomic<std::size_t> g_allocations{0};
-}  // namespace
-
-// Kept out of line: inlined, g++ takes the free() below for a mismatch with
-// the operator new it pairs with.
-__attribute__((noinline)) void* operator new(std::size_t size) {
-  g_allocations.fetch_add(1, std::memory_order_relaxed);
-  if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
-  throw std::bad_alloc();
-}
-__attribute__((noinline)) void operator delete(void* p) noexcept {
-  std::free(p);
-}
-__attribute__((noinline)) void operator delete(void* p, std::size_t) noexcept {
-  std::free(p);
-}
 
 namespace {
 
@@ -102,50 +85,50 @@ void BM_Library_BuildSave(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   dv_core_ns::OpaqueDataMessage message;
   BuildAndSave(message, n);  // the carrier's slots exist from here on
-  const std::size_t before = g_allocations.load();
+  const std::size_t before = nvshared::bench::AllocationCount();
   for (auto _ : state) {
     BuildAndSave(message, n);
     benchmark::DoNotOptimize(message);
   }
-  SetCounters(state, g_allocations.load() - before);
+  SetCounters(state, nvshared::bench::AllocationCount() - before);
 }
 
 void BM_Protobuf_BuildSave(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   std::string bytes;
   BuildAndSave(bytes, n);
-  const std::size_t before = g_allocations.load();
+  const std::size_t before = nvshared::bench::AllocationCount();
   for (auto _ : state) {
     BuildAndSave(bytes, n);
     benchmark::DoNotOptimize(bytes);
   }
-  SetCounters(state, g_allocations.load() - before);
+  SetCounters(state, nvshared::bench::AllocationCount() - before);
 }
 
 void BM_Library_Read(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   dv_core_ns::OpaqueDataMessage message;
   BuildAndSave(message, n);
-  const std::size_t before = g_allocations.load();
+  const std::size_t before = nvshared::bench::AllocationCount();
   for (auto _ : state) {
     std::unique_ptr<nv_opaque_ns::OpaqueRequestMessage> read(
         nv_opaque_ns::CreateCommonRequestMessage(message));
     benchmark::DoNotOptimize(read.get());
   }
-  SetCounters(state, g_allocations.load() - before);
+  SetCounters(state, nvshared::bench::AllocationCount() - before);
 }
 
 void BM_Protobuf_Read(benchmark::State& state) {
   const int n = static_cast<int>(state.range(0));
   std::string bytes;
   BuildAndSave(bytes, n);
-  const std::size_t before = g_allocations.load();
+  const std::size_t before = nvshared::bench::AllocationCount();
   for (auto _ : state) {
     nvbench::PushMgtRequestPb read;
     read.ParseFromString(bytes);
     benchmark::DoNotOptimize(read);
   }
-  SetCounters(state, g_allocations.load() - before);
+  SetCounters(state, nvshared::bench::AllocationCount() - before);
 }
 
 BENCHMARK(BM_Library_BuildSave)->Arg(1)->Arg(10)->Arg(100);

@@ -13,6 +13,7 @@
 #include <cstdlib>
 #include <new>
 
+#include "bench/allocation_counter.h"
 #include <benchmark/benchmark.h>
 #include <ql/instruments/bonds/fixedratebond.hpp>
 #include <ql/pricingengines/bond/bondfunctions.hpp>
@@ -23,30 +24,6 @@
 #include "nvshared/platform/utils/udp_date_time.h"
 #include "nvshared/udp/udp_data.h"
 #include "nvshared/udp/udp_price.h"
-
-// ---------------------------------------------------------------------------
-// Allocation counting for the whole binary. The replaced operators pair
-// malloc with free, which GCC cannot see through once they are inlined.
-#pragma GCC diagnostic ignored "-Wmismatched-new-delete"
-
-namespace {
-std::atomic<std::size_t> g_allocations{0};
-}  // namespace
-
-void* operator new(std::size_t size) {
-  g_allocations.fetch_add(1, std::memory_order_relaxed);
-  if (void* p = std::malloc(size == 0 ? 1 : size)) return p;
-  throw std::bad_alloc();
-}
-void* operator new[](std::size_t size) { return operator new(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  g_allocations.fetch_add(1, std::memory_order_relaxed);
-  return std::malloc(size == 0 ? 1 : size);
-}
-void operator delete(void* p) noexcept { std::free(p); }
-void operator delete[](void* p) noexcept { std::free(p); }
-void operator delete(void* p, std::size_t) noexcept { std::free(p); }
-void operator delete[](void* p, std::size_t) noexcept { std::free(p); }
 
 namespace {
 
@@ -107,9 +84,10 @@ const std::array<double, 8>& Inputs(Kind kind, Way way) {
 class AllocationWatch {
  public:
   explicit AllocationWatch(benchmark::State& state)
-      : state_(state), start_(g_allocations.load()) {}
+      : state_(state), start_(nvshared::bench::AllocationCount()) {}
   ~AllocationWatch() {
-    const double made = static_cast<double>(g_allocations.load() - start_);
+    const double made =
+        static_cast<double>(nvshared::bench::AllocationCount() - start_);
     state_.counters["allocs/tick"] =
         benchmark::Counter(made, benchmark::Counter::kAvgIterations);
   }
