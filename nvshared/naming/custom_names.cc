@@ -96,7 +96,8 @@ bool SeriesNameFormatter::Detach(SeriesNameFormatterObserver* observer) {
   return true;
 }
 
-void SeriesNameFormatter::NotifySeriesNameUpdate(const UpdateHint& hint) {
+void SeriesNameFormatter::NotifyObservers(
+    const std::function<void(SeriesNameFormatterObserver&)>& call) {
   std::map<SeriesNameFormatterObserver*,
            boost::shared_ptr<SeriesNameFormatterObserverData>>
       copy;
@@ -106,22 +107,20 @@ void SeriesNameFormatter::NotifySeriesNameUpdate(const UpdateHint& hint) {
   }
   for (const auto& [observer, data] : copy) {
     std::lock_guard<std::recursive_mutex> holder(data->lock);
-    if (!data->detached) observer->OnSeriesNameUpdate(*this, hint);
+    if (!data->detached) call(*observer);
   }
 }
 
+void SeriesNameFormatter::NotifySeriesNameUpdate(const UpdateHint& hint) {
+  NotifyObservers([&](SeriesNameFormatterObserver& observer) {
+    observer.OnSeriesNameUpdate(*this, hint);
+  });
+}
+
 void SeriesNameFormatter::NotifyDestroy() {
-  std::map<SeriesNameFormatterObserver*,
-           boost::shared_ptr<SeriesNameFormatterObserverData>>
-      copy;
-  {
-    Guard guard(lock_);
-    copy = *observers_;
-  }
-  for (const auto& [observer, data] : copy) {
-    std::lock_guard<std::recursive_mutex> holder(data->lock);
-    if (!data->detached) observer->OnSeriesNameFormatterDestroy(*this);
-  }
+  NotifyObservers([&](SeriesNameFormatterObserver& observer) {
+    observer.OnSeriesNameFormatterDestroy(*this);
+  });
 }
 
 // --- Add, Change, Remove ----------------------------------------------------

@@ -276,6 +276,10 @@ class NVSHARED_API SeriesNameFormatter {
   SeriesNameFormatter();
   ~SeriesNameFormatter();
 
+  // Calls `call` for each attached observer, on a copy of the table taken
+  // under the formatter lock, each under its holder lock.
+  void NotifyObservers(
+      const std::function<void(SeriesNameFormatterObserver&)>& call);
   void NotifySeriesNameUpdate(const UpdateHint& hint);
   void NotifyDestroy();
   bool Load();
