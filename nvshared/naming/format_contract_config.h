@@ -1,6 +1,11 @@
 // How a contract name is put together: nv_fmt::FormatContractConfig, the
 // exported default, and the product-name styles. A plain value, passed by
 // const reference to every formatting call.
+//
+// Hosts want DefaultFormatContractConfig ("E-mini S&P 500 Mar14"), changed
+// where a window needs it. A default-constructed FormatContractConfig has
+// every flag clear and so prints no product ("Mar14"), no flavour and no
+// custom name.
 #ifndef NVSHARED_NAMING_FORMAT_CONTRACT_CONFIG_H_
 #define NVSHARED_NAMING_FORMAT_CONTRACT_CONFIG_H_
 

@@ -4,6 +4,10 @@
 // spreads and strategies by their legs, and compares identifiers, products
 // and leg lists across the flavours of an exchange.
 //
+// Pass DefaultFormatContractConfig (format_contract_config.h) unless a
+// window needs otherwise: a default-constructed FormatContractConfig prints
+// no product.
+//
 // The formatter is a process-wide singleton (Instance()) because it also
 // holds the user's switches: whether exchanges' own series names and
 // products' codes are shown, and the user's custom names, which replace a
