@@ -44,7 +44,7 @@ run(0 "^ID\tNAME\tFLAVOURED NAME\tMARKET\tMARKET NAME\tSYNTHETIC\tFIX\tECBOT\n5\
 file(WRITE "${WORK_DIR}/bad.json" [=[{"exchanges": [{"id": 5, "name": "X", "market": "Nowhere"}]}]=])
 run(1 "^$" "^nvtool: .*bad.json: exchanges\\[0\\] \\(X\\): unknown market \"Nowhere\"\n$"
     --refdata "${WORK_DIR}/bad.json" exchanges)
-run(1 "^$" "^nvtool: .*missing.json: cannot open the file\n$"
+run(1 "^$" "^nvtool: .*missing.json: cannot open the file: No such file or directory\n$"
     --refdata "${WORK_DIR}/missing.json" exchanges)
 run(2 "^$" "^nvtool: .*\nRun 'nvtool --help' for usage.\n$" no-such-command)
 run(2 "^$" "^nvtool: A subcommand is required" )
