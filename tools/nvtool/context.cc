@@ -10,11 +10,13 @@ CLI::Validator FiniteNumber() {
   return CLI::Validator(
       [](std::string& text) -> std::string {
         double value = 0.0;
-        if (!CLI::detail::lexical_cast(text, value)) return "";  // not ours
+        if (!CLI::detail::lexical_cast(text, value)) {
+          return "Value " + text + " not a number";
+        }
         return std::isfinite(value) ? ""
                                     : "must be a finite number, not " + text;
       },
-      "NUMBER");
+      "");
 }
 
 nvshared::Status Context::LoadReferenceData() const {

@@ -26,8 +26,9 @@ struct Context {
   nvshared::Status LoadReferenceData() const;
 };
 
-// Refuses a number option given as NaN or infinity, which the parser of
-// doubles otherwise takes: `->check(FiniteNumber())`.
+// Refuses a number option given as anything but a finite number: text, NaN
+// or infinity, which the parser of doubles otherwise takes:
+// `->check(FiniteNumber())`.
 CLI::Validator FiniteNumber();
 
 // Each subcommand adds itself to the application.
