@@ -378,11 +378,12 @@ void AddEncodeCommand(CLI::App& app, Context& context) {
       "indexed: m_list.elements[0].m_szMember=A "
       "m_list.elements[1].m_szMember=B; "
       "int vectors are comma-separated.");
-  CLI::Option* as = encode
-                        ->add_option("--as", options->as,
-                                     "Record type, by object or class name: " +
-                                         KnownRecords())
-                        ->type_name("NAME");
+  CLI::Option* as =
+      encode
+          ->add_option("--as", options->as,
+                       "Record type, by object or class name: " +
+                           KnownRecords() + "; not with --message")
+          ->type_name("NAME");
   CLI::Option* message =
       encode
           ->add_option("--message", options->message,
@@ -392,7 +393,7 @@ void AddEncodeCommand(CLI::App& app, Context& context) {
           ->excludes(as);
   encode
       ->add_flag("--dictionary", options->dictionary,
-                 "With --message, store in a dictionary (\"NVOD\") instead of "
+                 "Store the message in a dictionary (\"NVOD\") instead of "
                  "an OpaqueDataMessage (\"NVOM\"); only with --message; "
                  "default: off")
       ->needs(message);

@@ -131,8 +131,9 @@ void AddMatchCommand(CLI::App& app, Context& context) {
       "score (broker 32, template 16, product 8, gateway 4, market 2, product "
       "type 1) and its name, or \"no entry fits\". Key fields not given are "
       "open.");
-  sub->add_option("TABLE", o->table,
-                  "The defaults table, a JSON file (see docs/formats)")
+  sub->add_option(
+         "TABLE", o->table,
+         "The defaults table, a JSON file (docs/formats/defaults-table.md)")
       ->required()
       ->type_name("TABLE");
   sub->add_option("--template", o->templateName, "Template name; default: any")
