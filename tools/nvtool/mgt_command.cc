@@ -135,8 +135,9 @@ void AddMgtCommand(CLI::App& app, Context& context) {
       "connections on, so every identity is DVADM/XXX/MGR. Give "
       "--no-dynamic-connections to check the identities the file itself "
       "gives, as a host does once its store sets that value to N.\n"
-      "Exits 1 when the load fails or a --gateway is unknown, after the "
-      "whole report.");
+      "Exits 1 after the whole report when the load fails or a --gateway "
+      "is unknown. With dynamic connections on the load does not fail: a "
+      "host then loads even a file without one valid section.");
   sub->add_option("FILE", options->file, "The MGT file to check")
       ->required()
       ->type_name("FILE");
