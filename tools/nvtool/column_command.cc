@@ -254,12 +254,12 @@ void AddColumnCommand(CLI::App& app, Context& context) {
   sub->add_option("--freq", o->frequency,
                   "Coupons a year: 1, 2, 4 or 12; default: from the file, "
                   "else 2")
-      ->check(CLI::IsMember({1, 2, 4, 12}))
+      ->transform(OneOf({"1", "2", "4", "12"}))
       ->type_name("N");
   AddDayCountOption(*sub, o->dayCount, "from the file, else 0, Actual/Actual");
   sub->add_option("--eom", o->endOfMonth,
                   "End-of-month rule, 0 or 1; default: from the file, else 1")
-      ->check(CLI::IsMember({0, 1}))
+      ->transform(OneOf({"0", "1"}))
       ->type_name("0|1");
   sub->add_flag("--optional", o->optional,
                 "Use --issue and --first-coupon for an odd first period; "

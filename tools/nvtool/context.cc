@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "nvshared/internal/ascii.h"
 #include "nvshared/platform/core/reference_data.h"
 
 namespace nvtool {
@@ -17,6 +18,29 @@ CLI::Validator FiniteNumber() {
                                     : "must be a finite number, not " + text;
       },
       "");
+}
+
+CLI::Validator OneOfNamed(
+    std::vector<std::pair<std::string, std::string>> choices) {
+  return CLI::Validator(
+      [choices = std::move(choices)](std::string& text) -> std::string {
+        std::string names;
+        for (const auto& [word, value] : choices) {
+          if (nvshared::internal::AsciiEqualIgnoreCase(text, word)) {
+            text = value;
+            return "";
+          }
+          names += (names.empty() ? "" : ", ") + word;
+        }
+        return "Value " + text + " is not one of " + names;
+      },
+      "");
+}
+
+CLI::Validator OneOf(const std::vector<std::string>& values) {
+  std::vector<std::pair<std::string, std::string>> choices;
+  for (const std::string& value : values) choices.emplace_back(value, value);
+  return OneOfNamed(std::move(choices));
 }
 
 nvshared::Status Context::LoadReferenceData() const {

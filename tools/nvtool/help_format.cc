@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <map>
+#include <regex>
 #include <utility>
 #include <vector>
 
@@ -212,14 +213,12 @@ std::string UsageErrorLine(const std::string& command, std::string message) {
   }
   while (!message.empty() && message.back() == ' ') message.pop_back();
   // The parser's words for a value its option's type cannot hold, which in
-  // this tool is always a number.
-  const std::string kNoConversion = "Could not convert: ";
-  const std::size_t equals = message.find(" = ");
-  if (message.starts_with(kNoConversion) && equals != std::string::npos) {
-    message =
-        message.substr(kNoConversion.size(), equals - kNoConversion.size()) +
-        ": Value " + message.substr(equals + 3) + " not a number";
-  }
+  // this tool is always a number, and for an option left without its value.
+  static const std::regex kNoConversion("^Could not convert: (.+) = (.*)$");
+  static const std::regex kMissing("^(\\S+): 1 required (\\S+) missing$");
+  message =
+      std::regex_replace(message, kNoConversion, "$1: Value $2 not a number");
+  message = std::regex_replace(message, kMissing, "$1: needs a value, $2");
   const std::string prefix = command.empty() ? "" : command + ": ";
   if (!prefix.empty() && message.starts_with(prefix)) {
     message.erase(0, prefix.size());

@@ -36,7 +36,8 @@ std::string Wrap(const std::string& text, std::size_t indent,
 // The one line a usage error prints: "nvtool: <command>: <message>; see
 // 'nvtool <command> --help'", without the command where none was named.
 // Line breaks in `message` become spaces, a value the parser could not
-// convert reads "<option>: Value <text> not a number", and a message that
+// convert reads "<option>: Value <text> not a number", one left without
+// its value "<option>: needs a value, <METAVARIABLE>", and a message that
 // already begins with "<command>: " does not get it twice.
 std::string UsageErrorLine(const std::string& command, std::string message);
 

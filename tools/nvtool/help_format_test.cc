@@ -46,6 +46,9 @@ TEST(HelpFormatTest, AUsageErrorIsOneLineNamingTheCommandAndItsHelp) {
        "nvtool: names: add takes 2 arguments; see 'nvtool names --help'"},
       {"name", "names: x", "nvtool: name: names: x; see 'nvtool name --help'"},
       {"", "two\nlines\n", "nvtool: two lines; see 'nvtool --help'"},
+      {"yield", "--settle: 1 required DATE missing",
+       "nvtool: yield: --settle: needs a value, DATE; see 'nvtool yield "
+       "--help'"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(c.message);
@@ -72,6 +75,8 @@ TEST(HelpFormatTest, MetavariablesAreWordsNotTypeNames) {
            ->check(CLI::IsMember({1, 2}))
            ->type_name("N"),
        "N"},
+      {app.add_option("--style", text)->check(CLI::IsMember({"a", "b"})),
+       "VALUE"},
       {app.add_option("--shown", text)->option_text("WORDS"), "WORDS"},
       {app.add_flag("--flag", flag), ""},
   };

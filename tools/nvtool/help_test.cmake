@@ -45,6 +45,13 @@ run(2 "^$" "^nvtool: column: --type: Value 9 not in range 1 to 6${see_column}"
     column --type 9)
 run(2 "^$" "^nvtool: column: The following argument was not expected: extra${see_column}"
     column extra)
+run(2 "^$" "^nvtool: column: --freq: Value 3 is not one of 1, 2, 4, 12${see_column}"
+    column --freq 3)
+run(2 "^$" "^nvtool: column: --settle: needs a value, DATE${see_column}"
+    column --settle)
+run(2 "^$" "^nvtool: name: --product-style: Value fancy is not one of default, name, alias; see 'nvtool name --help'\n$"
+    name --product-style fancy ESH4)
+run(2 "^$" "^nvtool: --refdata: needs a value, FILE; see 'nvtool --help'\n$" --refdata)
 run(2 "^$" "^nvtool: price: --yield is required; see 'nvtool price --help'\n$"
     price ${par})
 run(2 "^$" "^nvtool: exchanges: The following argument was not expected: --bogus; see 'nvtool exchanges --help'\n$"

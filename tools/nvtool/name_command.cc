@@ -191,14 +191,13 @@ void AddNameCommand(CLI::App& app, Context& context) {
                   "0: series names as the switches say; 1: always; other: "
                   "never because of the switches; default: 0")
       ->type_name("N");
-  const std::map<std::string, nv_fmt::NameStyle::Enum> styles = {
-      {"default", nv_fmt::NameStyle::Default},
-      {"name", nv_fmt::NameStyle::Name},
-      {"alias", nv_fmt::NameStyle::Alias}};
   sub->add_option("--product-style", config.productNameStyle,
                   "How products print, in any case: default (alias unless "
                   "--product-names), name (code) or alias; default: default")
-      ->transform(CLI::CheckedTransformer(styles, CLI::ignore_case))
+      ->transform(
+          OneOfNamed({{"default", std::to_string(nv_fmt::NameStyle::Default)},
+                      {"name", std::to_string(nv_fmt::NameStyle::Name)},
+                      {"alias", std::to_string(nv_fmt::NameStyle::Alias)}}))
       ->type_name("STYLE");
   sub->add_flag("--strategy-name-fallback", config.strategyNameFallback,
                 "Set the strategy-name fallback field (kept, no effect)");

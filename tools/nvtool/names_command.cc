@@ -163,7 +163,7 @@ void AddNamesCommand(CLI::App& app, Context& context) {
                   "list | add KEY NAME | change KEY NAME | "
                   "remove KEY-or-NAME | purge")
       ->required()
-      ->check(CLI::IsMember({"list", "add", "change", "remove", "purge"}))
+      ->transform(OneOf({"list", "add", "change", "remove", "purge"}))
       ->type_name("ACTION");
   sub->add_option("ARG", options->arguments,
                   "The action's series key and name, as ACTION says")

@@ -138,7 +138,7 @@ CLI::App* AddBondCommand(CLI::App& app, const std::string& name,
       ->type_name("PERCENT")
       ->required();
   sub->add_option("--freq", o.frequency, "Coupons a year: 1, 2, 4 or 12")
-      ->check(CLI::IsMember({1, 2, 4, 12}))
+      ->transform(OneOf({"1", "2", "4", "12"}))
       ->type_name("N")
       ->capture_default_str();
   AddDayCountOption(*sub, o.dayCount, "0, Actual/Actual");
