@@ -45,6 +45,7 @@ Outline ReadOutline(int argc, char** argv) {
   return outline;
 }
 
+// Whether `name` is one of the tool's commands.
 bool IsCommand(const CLI::App& app, const std::string& name) {
   for (const CLI::App* sub : app.get_subcommands({})) {
     if (!name.empty() && sub->get_name() == name) return true;
@@ -52,6 +53,7 @@ bool IsCommand(const CLI::App& app, const std::string& name) {
   return false;
 }
 
+// The commands, in the order the help lists them, comma-separated.
 std::string CommandNames(const CLI::App& app) {
   std::string names;
   for (const CLI::App* sub : app.get_subcommands({})) {
