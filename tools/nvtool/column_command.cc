@@ -221,7 +221,7 @@ void AddColumnCommand(CLI::App& app, Context& context) {
   auto o = std::make_shared<ColumnOptions>();
   CLI::App* sub = app.add_subcommand(
       "column",
-      "Convert exchange prices into a user-defined price column, or back.\n"
+      "Turn exchange prices into user-defined prices, or back.\n"
       "Sets up the column from a settings file and/or options (options "
       "given override the file; the column is switched on), prints the "
       "verdict of its terms' check and the converter chosen, then reads "

@@ -101,8 +101,7 @@ int main(int argc, char** argv) {
                        "nvtool " NVSHARED_VERSION_STRING
                        " (library nvshared " NVSHARED_VERSION_STRING
                        ", " NVSHARED_SONAME ")",
-                       "Print the versions of the tool and the library, and "
-                       "exit");
+                       "Print the tool's and the library's versions and exit");
   app.require_subcommand(1);
   app.footer(
       "nvtool --refdata my-refdata.json name ESH4\n"
