@@ -31,6 +31,16 @@ nv_ns::UDPDateTime ParseDate(const std::string& option,
   return date;
 }
 
+std::string DayCountChoices() {
+  std::string text;
+  for (int i = 0; i <= 5; ++i) {
+    text +=
+        (i ? ", " : "") + std::to_string(i) + "=" +
+        nv_ns::UDPEnumNames::GetDayCountTypeString(nv_ns::UDPDayCountType(i));
+  }
+  return text;
+}
+
 int ParseDayCount(const std::string& text) {
   for (int i = 0; i <= 5; ++i) {
     const std::string& name =
@@ -41,9 +51,30 @@ int ParseDayCount(const std::string& text) {
     }
   }
   throw CLI::ValidationError(
-      "--daycount", "unknown day count '" + text +
-                        "' (0 Actual/Actual, 1 Actual/360, 2 30/360, 3 "
-                        "30/365, 4 30E/360, 5 Actual/365)");
+      "--daycount",
+      "unknown day count '" + text + "'; give one of " + DayCountChoices());
+}
+
+CLI::Option* AddDayCountOption(CLI::App& command, std::string& value,
+                               const std::string& defaultText) {
+  const CLI::Validator known(
+      [](std::string& text) -> std::string {
+        try {
+          ParseDayCount(text);
+          return "";
+        } catch (const CLI::ValidationError&) {
+          return "unknown day count '" + text + "'; give one of " +
+                 DayCountChoices();
+        }
+      },
+      "");
+  return command
+      .add_option(
+          "--daycount", value,
+          "Day count, by number or by name in any case: " + DayCountChoices())
+      ->check(known)
+      ->type_name("DAYCOUNT")
+      ->default_str(defaultText);
 }
 
 }  // namespace nvtool

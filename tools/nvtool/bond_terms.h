@@ -6,6 +6,8 @@
 
 #include <string>
 
+#include <CLI/CLI.hpp>
+
 #include "nvshared/platform/utils/udp_date_time.h"
 
 namespace nvtool {
@@ -20,6 +22,15 @@ nv_ns::UDPDateTime ParseDate(const std::string& option,
 // A day-count number 0..5 or its name in any case ("Actual/360"), or a
 // CLI::ValidationError naming --daycount.
 int ParseDayCount(const std::string& text);
+
+// The day counts as the library names them, each after its number:
+// "0=Actual/Actual, 1=Actual/360, ...".
+std::string DayCountChoices();
+
+// Adds --daycount to `command`: a number or a name, checked as it is
+// parsed, kept as given in `value`. `defaultText` is what help shows.
+CLI::Option* AddDayCountOption(CLI::App& command, std::string& value,
+                               const std::string& defaultText);
 
 }  // namespace nvtool
 

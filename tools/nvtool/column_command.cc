@@ -221,12 +221,13 @@ void AddColumnCommand(CLI::App& app, Context& context) {
   auto o = std::make_shared<ColumnOptions>();
   CLI::App* sub = app.add_subcommand(
       "column",
-      "Sets up a user-defined price column from a settings file and/or "
-      "options, prints the verdict of its terms' check and the converter "
-      "chosen, then reads exchange prices from standard input, one per "
-      "line, and prints each with its user-defined price (or, with "
-      "--reverse, user-defined prices with their exchange prices). The "
-      "column is switched on. Options given override the file.");
+      "Turn exchange prices into user-defined prices, or back.\n"
+      "Sets up the column from a settings file and/or options (options "
+      "given override the file; the column is switched on), prints the "
+      "verdict of its terms' check and the converter chosen, then reads "
+      "exchange prices from standard input, one per line, and prints each "
+      "with its user-defined price, or with --reverse user-defined prices "
+      "with their exchange prices. Dates are written YYYY-MM-DD.");
   sub->add_option("--settings", o->settings,
                   "Settings store file to load (section [UserDefinedPrice]); "
                   "default: none, the record's defaults")
@@ -235,63 +236,72 @@ void AddColumnCommand(CLI::App& app, Context& context) {
                   "Write the settings to this store file; default: none")
       ->type_name("FILE");
   sub->add_option("--settle", o->settle,
-                  "Settlement date, YYYY-MM-DD; default: today");
+                  "Settlement date; default: from the file, else today")
+      ->type_name("DATE");
   sub->add_option("--maturity", o->maturity,
-                  "Maturity date, YYYY-MM-DD; default: today");
+                  "Maturity date; default: from the file, else today")
+      ->type_name("DATE");
   sub->add_option("--issue", o->issue,
-                  "Issue (dated) date, YYYY-MM-DD; default: today");
+                  "Issue (dated) date; default: from the file, else today")
+      ->type_name("DATE");
   sub->add_option("--first-coupon", o->firstCoupon,
-                  "First coupon date, YYYY-MM-DD; default: today");
+                  "First coupon date; default: from the file, else today")
+      ->type_name("DATE");
   sub->add_option("--coupon", o->coupon,
                   "Annual coupon in percent; default: from the file, else 8.5")
-      ->check(FiniteNumber());
+      ->check(FiniteNumber())
+      ->type_name("PERCENT");
   sub->add_option("--freq", o->frequency,
                   "Coupons a year: 1, 2, 4 or 12; default: from the file, "
                   "else 2")
-      ->check(CLI::IsMember({1, 2, 4, 12}));
-  sub->add_option("--daycount", o->dayCount,
-                  "Day count by number or name: 0 Actual/Actual, 1 "
-                  "Actual/360, 2 30/360, 3 30/365, 4 30E/360, 5 Actual/365; "
-                  "default: from the file, else 0");
+      ->transform(OneOf({"1", "2", "4", "12"}))
+      ->type_name("N");
+  AddDayCountOption(*sub, o->dayCount, "from the file, else 0, Actual/Actual");
   sub->add_option("--eom", o->endOfMonth,
                   "End-of-month rule, 0 or 1; default: from the file, else 1")
-      ->check(CLI::IsMember({0, 1}));
+      ->transform(OneOf({"0", "1"}))
+      ->type_name("0|1");
   sub->add_flag("--optional", o->optional,
                 "Use --issue and --first-coupon for an odd first period; "
                 "default: from the file, else off");
   sub->add_option("--factor", o->factor,
                   "Futures conversion factor; default: from the file, else 1")
-      ->check(FiniteNumber());
+      ->check(FiniteNumber())
+      ->type_name("FACTOR");
   sub->add_option("--type", o->type,
-                  "Price type: 2 yield, 3 yield to maturity, 6 par rate (1, "
-                  "4 and 5 have no converter); default: from the file, else 3")
-      ->check(CLI::Range(1, 6));
+                  "Price type, 1 to 6: 2 yield, 3 yield to maturity, 6 par "
+                  "rate (1, 4 and 5 have no converter); default: from the "
+                  "file, else 3")
+      ->check(CLI::Range(1, 6))
+      ->type_name("TYPE");
   sub->add_option("--yield-type", o->yieldType,
                   "Yield of type 2: 1 price, 2 100-price, 3 (10000-price)/100, "
                   "4 (10000-(price+strip base))/100, 5 (100000-price)/1000; "
                   "default: from the file, else 2")
-      ->check(CLI::Range(1, 5));
+      ->check(CLI::Range(1, 5))
+      ->type_name("N");
   sub->add_option("--strip-base", o->stripBase,
                   "Strip base of yield type 4; default: from the file, else 0")
-      ->check(FiniteNumber());
+      ->check(FiniteNumber())
+      ->type_name("NUMBER");
   sub->add_option("--pv01", o->pv01,
                   "Divisor of the par rate conversion; default: 1")
-      ->check(FiniteNumber());
+      ->check(FiniteNumber())
+      ->type_name("NUMBER");
   sub->add_flag("--convert-365", o->convert365,
                 "Show simple yields on a 365-day basis; default: from the "
                 "file, else off");
   sub->add_flag("--reverse", o->reverse,
-                "Read user-defined prices and print exchange prices");
+                "Read user-defined prices and print exchange prices; "
+                "default: off");
   sub->add_option("--decimals", o->decimals,
                   "Decimals printed, 0 to 15; default: 6")
-      ->check(CLI::Range(0, 15));
-  // The defaults come from the file or the record, as each option says; the
-  // option's own initial value means nothing here.
-  for (CLI::Option* option : sub->get_options()) option->default_str("");
-  for (const char* name :
-       {"--settle", "--maturity", "--issue", "--first-coupon"}) {
-    sub->get_option(name)->type_name("YYYY-MM-DD");
-  }
+      ->check(CLI::Range(0, 15))
+      ->type_name("N");
+  sub->footer(
+      "nvtool column --settings column.ini < prices.txt\n"
+      "prints each futures price of prices.txt with its yield to maturity, "
+      "on the terms saved in column.ini.");
   sub->callback([sub, o, &context] { Run(*sub, *o, context); });
 }
 

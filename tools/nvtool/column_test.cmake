@@ -23,7 +23,7 @@ set(dates --settle ${settle_year}-06-30 --maturity ${maturity_year}-11-15)
 
 execute_process(COMMAND "${NVTOOL}" column --help
   RESULT_VARIABLE rc OUTPUT_VARIABLE out)
-if(NOT rc EQUAL 0 OR NOT out MATCHES "--settings FILE.*--reverse.*default: 6")
+if(NOT rc EQUAL 0 OR NOT out MATCHES "--settings FILE.*--reverse.*default: 6\n.*Example:\n  nvtool column ")
   message(SEND_ERROR "column --help:\n${out}")
 endif()
 
@@ -77,7 +77,7 @@ column(1 "${empty}" "verdict: 1 " "^nvtool: price type 5 \\(Exchange Price\\) ha
   --type 5)
 column(1 "${empty}" "^$" "^nvtool: no settings file ${WORK_DIR}/none.ini\n$"
   --settings "${WORK_DIR}/none.ini")
-column(2 "${empty}" "^$" "^nvtool: --settle: not a date in the form YYYY-MM-DD: 2024-02-30\n"
+column(2 "${empty}" "^$" "^nvtool: column: --settle: not a date in the form YYYY-MM-DD: 2024-02-30; see 'nvtool column --help'\n$"
   --settle 2024-02-30)
 column(2 "${empty}" "^$" "--type" --type 9)
 column(2 "${empty}" "^$" "--pv01: must be a finite number, not nan" --type 6 --pv01 nan)

@@ -6,6 +6,8 @@
 
 #include <iosfwd>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include <CLI/CLI.hpp>
 
@@ -26,9 +28,19 @@ struct Context {
   nvshared::Status LoadReferenceData() const;
 };
 
-// Refuses a number option given as NaN or infinity, which the parser of
-// doubles otherwise takes: `->check(FiniteNumber())`.
+// Refuses a number option given as anything but a finite number: text, NaN
+// or infinity, which the parser of doubles otherwise takes:
+// `->check(FiniteNumber())`.
 CLI::Validator FiniteNumber();
+
+// Accepts one of `choices`, in any case, and passes on its value:
+// `->transform(OneOfNamed({{"name", "1"}, {"alias", "2"}}))`. Anything else is
+// refused with "Value X is not one of ...", the choices listed.
+CLI::Validator OneOfNamed(
+    std::vector<std::pair<std::string, std::string>> choices);
+
+// Accepts one of `values` as written, in any case.
+CLI::Validator OneOf(const std::vector<std::string>& values);
 
 // Each subcommand adds itself to the application.
 void AddExchangesCommand(CLI::App& app, Context& context);

@@ -331,8 +331,9 @@ void AddDecodeCommand(CLI::App& app, Context& context) {
   auto options = std::make_shared<DecodeOptions>();
   CLI::App* decode = app.add_subcommand(
       "decode",
-      "Read a tagged object from bytes and print its header and every item "
-      "read, one per line: number, name, kind (T scalar, S string, C char "
+      "Print a tagged object or a message capture read from bytes.\n"
+      "Prints the object's header and every item read, one per line: "
+      "number, name, kind (T scalar, S string, C char "
       "array, V vector, E object vector, I nested object) and value. With "
       "--message, or when the input starts with \"NVOM\" or \"NVOD\", read "
       "the capture of a whole message or dictionary: print each attachment "
@@ -341,23 +342,28 @@ void AddDecodeCommand(CLI::App& app, Context& context) {
       "bad buffer ends with the library's message and exit status 1.");
   CLI::Option* as =
       decode
-          ->add_option("--as", options->as,
-                       "Record type, by object or class name (default: the "
-                       "name in the buffer's header): " +
-                           KnownRecords())
+          ->add_option(
+              "--as", options->as,
+              "Record type, by object or class name: " + KnownRecords() +
+                  "; default: the name in the buffer's header")
           ->type_name("NAME");
   decode
       ->add_flag("--message", options->message,
                  "The input is a whole message or dictionary as nvtool "
-                 "encode --message writes it (default: off)")
+                 "encode --message writes it; not with --as; default: off, "
+                 "unless the input starts with \"NVOM\" or \"NVOD\"")
       ->excludes(as);
   decode
-      ->add_option("file", options->file,
-                   "File to read; '-' (the default) reads standard input")
+      ->add_option("FILE", options->file,
+                   "File to read; '-' reads standard input; default: -")
       ->type_name("FILE");
   decode->add_flag("--hex", options->hex,
                    "The input is hex digit pairs, blanks allowed between "
-                   "pairs (default: raw bytes)");
+                   "pairs; default: raw bytes");
+  decode->footer(
+      "nvtool decode --as CK --hex ck.hex\n"
+      "prints the ConnectionKey written as hex digits in ck.hex, item by "
+      "item.");
   decode->callback([&context, options] { RunDecode(context, *options); });
 }
 
@@ -365,37 +371,49 @@ void AddEncodeCommand(CLI::App& app, Context& context) {
   auto options = std::make_shared<EncodeOptions>();
   CLI::App* encode = app.add_subcommand(
       "encode",
-      "Write a tagged object (--as) or a whole message (--message) from "
+      "Write a tagged object or a whole message from name=value items.\n"
+      "Writes a tagged object (--as) or a whole message (--message) from "
       "name=value items (names as decode prints them; items not given keep "
       "their defaults) to standard output or a file. List elements are "
       "indexed: m_list.elements[0].m_szMember=A "
       "m_list.elements[1].m_szMember=B; "
       "int vectors are comma-separated.");
-  CLI::Option* as = encode
-                        ->add_option("--as", options->as,
-                                     "Record type, by object or class name: " +
-                                         KnownRecords())
-                        ->type_name("NAME");
+  CLI::Option* as =
+      encode
+          ->add_option("--as", options->as,
+                       "Record type, by object or class name: " +
+                           KnownRecords() + "; not with --message")
+          ->type_name("NAME");
   CLI::Option* message =
       encode
           ->add_option("--message", options->message,
-                       "Message class to build and store: " + KnownMessages())
+                       "Message class to build and store: " + KnownMessages() +
+                           "; not with --as")
           ->type_name("NAME")
           ->excludes(as);
   encode
       ->add_flag("--dictionary", options->dictionary,
-                 "With --message, store in a dictionary (\"NVOD\") instead of "
-                 "an OpaqueDataMessage (\"NVOM\", the default)")
+                 "Store the message in a dictionary (\"NVOD\") instead of "
+                 "an OpaqueDataMessage (\"NVOM\"); only with --message; "
+                 "default: off")
       ->needs(message);
-  encode->add_option("items", options->fields, "Items as name=value")
+  encode
+      ->add_option("ITEMS", options->fields,
+                   "Items to set, as name=value; items not given keep "
+                   "their defaults")
       ->type_name("NAME=VALUE");
   encode->add_flag("--hex", options->hex,
-                   "Write hex digit pairs, 16 to a line, instead of bytes");
+                   "Write hex digit pairs, 16 to a line, instead of bytes; "
+                   "default: off");
   encode
       ->add_option("-o,--output", options->output,
-                   "Write to this file (replaced whole) instead of "
-                   "standard output")
+                   "Write to this file (replaced whole); default: standard "
+                   "output")
       ->type_name("FILE");
+  encode->footer(
+      "nvtool encode --as CK --hex m_brokerID=5 m_gatewayID=3 m_szMember=M\n"
+      "prints the bytes of a ConnectionKey as hex digits; the items not "
+      "given keep their defaults.");
   encode->callback([&context, options] { RunEncode(context, *options); });
 }
 

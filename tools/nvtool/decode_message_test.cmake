@@ -94,8 +94,8 @@ run(1 "^$" "^nvtool: 'x' is no item of ServerInstanceIDRequestMessage; its items
     encode --message ServerInstanceIDRequestMessage x=1)
 run(1 "^$" "^nvtool: m_list.elements\\[1000\\].m_mgtId: an index is at most 999\n$"
     encode --message PushMGTRequest "m_list.elements[1000].m_mgtId=1")
-run(2 "^$" "^nvtool: give one of --as NAME and --message NAME\n$" encode m_x=1)
-run(2 "^$" "^nvtool: --as excludes --message" decode --as CK --message "${WORK_DIR}/svrs.bin")
+run(2 "^$" "^nvtool: encode: give one of --as NAME and --message NAME; see 'nvtool encode --help'\n$" encode m_x=1)
+run(2 "^$" "^nvtool: decode: --as excludes --message; see 'nvtool decode --help'\n$" decode --as CK --message "${WORK_DIR}/svrs.bin")
 # Input beyond what the format holds is refused, not read without end.
 file(WRITE "${WORK_DIR}/big.txt" "")
 foreach(i RANGE 16)

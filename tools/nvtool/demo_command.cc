@@ -211,10 +211,14 @@ void TourReports(std::ostream& out) {
 void AddDemoCommand(CLI::App& app, Context& context) {
   CLI::App* sub = app.add_subcommand(
       "demo",
-      "Play a host application on the reference data: start-up (application "
-      "name, error log, exception reports), then a tour of markets and "
-      "names, formatters, application strings and error reports. Message "
-      "boxes and log lines are printed in line.");
+      "Play a host application on the reference data.\n"
+      "Starts up as a host does (application name, error log, exception "
+      "reports), then tours markets and names, formatters, application "
+      "strings and error reports, and shuts down. Message boxes and log "
+      "lines are printed in line.");
+  sub->footer(
+      "nvtool --refdata my-refdata.json demo\n"
+      "plays a host on my-refdata.json instead of the bundled sample.");
   sub->callback([&context] {
     const nvshared::Status loaded = context.LoadReferenceData();
     if (!loaded.ok()) throw CLI::RuntimeError(loaded.message(), 1);

@@ -71,11 +71,16 @@ void AddExchangesCommand(CLI::App& app, Context& context) {
   auto options = std::make_shared<Options>();
   CLI::App* sub = app.add_subcommand(
       "exchanges",
-      "List every exchange of the reference data: id, name, flavoured name, "
-      "market id and name, and whether the library counts it as synthetic, "
-      "FIX or eCBOT.");
-  sub->add_flag("--tsv", options->tsv, "Tab-separated columns");
-  sub->add_flag("--no-header", options->noHeader, "Leave out the header line");
+      "List every exchange of the reference data.\n"
+      "One line per exchange: id, name, flavoured name, market id and name, "
+      "and whether the library counts it as synthetic, FIX or eCBOT.");
+  sub->add_flag("--tsv", options->tsv,
+                "Tab-separated columns; default: columns aligned with blanks");
+  sub->add_flag("--no-header", options->noHeader,
+                "Leave out the header line; default: a header line first");
+  sub->footer(
+      "nvtool exchanges --tsv --no-header\n"
+      "prints the exchanges of the bundled sample, ready for other tools.");
   sub->callback([&context, options] {
     const nvshared::Status loaded = context.LoadReferenceData();
     if (!loaded.ok()) throw CLI::RuntimeError(loaded.message(), 1);

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <cstring>
 #include <iostream>
+#include <memory>
 #include <set>
 #include <string>
 #include <string_view>
@@ -11,6 +12,7 @@
 
 #include "nvshared/version.h"
 #include "tools/nvtool/context.h"
+#include "tools/nvtool/help_format.h"
 
 namespace {
 
@@ -43,23 +45,33 @@ Outline ReadOutline(int argc, char** argv) {
   return outline;
 }
 
+// Whether `name` is one of the tool's commands.
+bool IsCommand(const CLI::App& app, const std::string& name) {
+  for (const CLI::App* sub : app.get_subcommands({})) {
+    if (!name.empty() && sub->get_name() == name) return true;
+  }
+  return false;
+}
+
+// The commands, in the order the help lists them, comma-separated.
+std::string CommandNames(const CLI::App& app) {
+  std::string names;
+  for (const CLI::App* sub : app.get_subcommands({})) {
+    names += (names.empty() ? "" : ", ") + sub->get_name();
+  }
+  return names;
+}
+
 // Checks what CLI11 would report less clearly: an unknown command, and a
 // global option given to a command that does not use it. "" if all is well.
 std::string CheckOutline(const CLI::App& app, const Outline& outline) {
   if (outline.command.empty()) return "";
-  std::string names;
-  bool known = false;
-  for (const CLI::App* sub : app.get_subcommands({})) {
-    known |= sub->get_name() == outline.command;
-    names += (names.empty() ? "" : ", ") + sub->get_name();
-  }
-  if (!known) {
+  if (!IsCommand(app, outline.command)) {
     return "unknown command '" + outline.command + "'; the commands are " +
-           names;
+           CommandNames(app);
   }
   if (outline.refdata && !kUsesReferenceData.contains(outline.command)) {
-    return "'" + outline.command +
-           "' does not read reference data, so --refdata has no effect on it";
+    return "--refdata has no effect: this command reads no reference data";
   }
   return "";
 }
@@ -78,22 +90,30 @@ int main(int argc, char** argv) {
 
   CLI::App app{
       "nvtool - support and demonstration tool over the nvshared library.\n"
-      "Runs on the bundled sample reference data unless --refdata names a "
-      "file.",
+      "Commands that read reference data run on the bundled sample unless "
+      "--refdata names a file. Exit status: 0 success, 1 failure, 2 usage "
+      "error; a failure or usage error is one line on standard error.",
       "nvtool"};
+  // Set before the commands are added: each takes its parent's formatter.
+  app.formatter(std::make_shared<nvtool::HelpFormatter>());
+  app.set_help_flag("-h,--help", "Print this help and exit");
   app.set_version_flag("--version",
                        "nvtool " NVSHARED_VERSION_STRING
                        " (library nvshared " NVSHARED_VERSION_STRING
-                       ", " NVSHARED_SONAME ")");
+                       ", " NVSHARED_SONAME ")",
+                       "Print the tool's and the library's versions and exit");
   app.require_subcommand(1);
-  app.option_defaults()->always_capture_default();
+  app.footer(
+      "nvtool --refdata my-refdata.json name ESH4\n"
+      "prints the name a host shows for the series ESH4 of my-refdata.json.");
   // Global options are accepted after the command too, where users type
   // them: `nvtool name --refdata FILE ESH4`.
   app.fallthrough();
   app.add_option("--refdata", context.refdataPath,
                  "Reference-data JSON file to use instead of the bundled "
-                 "sample (commands that read reference data: exchanges, "
-                 "demo, mgt, name, match, sort, names)")
+                 "sample, for the commands that read reference data: "
+                 "exchanges, demo, mgt, name, match, sort, names; default: "
+                 "the bundled sample")
       ->type_name("FILE");
 
   nvtool::AddExchangesCommand(app, context);
@@ -110,8 +130,9 @@ int main(int argc, char** argv) {
   nvtool::AddNamesCommand(app, context);
 
   int status = 0;
+  const Outline outline = ReadOutline(argc, argv);
   try {
-    const std::string problem = CheckOutline(app, ReadOutline(argc, argv));
+    const std::string problem = CheckOutline(app, outline);
     if (!problem.empty()) throw CLI::ValidationError(problem);
     app.parse(argc, argv);
   } catch (const CLI::CallForHelp& e) {
@@ -121,13 +142,24 @@ int main(int argc, char** argv) {
   } catch (const CLI::CallForVersion& e) {
     status = app.exit(e);
   } catch (const CLI::RuntimeError& e) {
-    // A command failed: its one line, and its exit status.
-    std::cerr << "nvtool: " << e.what() << "\n";
+    // A command failed: its one line, and its exit status. Status 2 is a
+    // usage error a command found itself, said like the parser's.
+    if (e.get_exit_code() == 2) {
+      std::cerr << nvtool::UsageErrorLine(outline.command, e.what()) << "\n";
+    } else {
+      std::cerr << "nvtool: " << e.what() << "\n";
+    }
     status = e.get_exit_code() == 0 ? 1 : e.get_exit_code();
   } catch (const CLI::ParseError& e) {
-    // A usage error: one line, where to look for more, and status 2.
-    std::cerr << "nvtool: " << e.what() << "\n"
-              << "Run 'nvtool --help' for usage.\n";
+    // A usage error: one line that also says where the usage is, status 2.
+    const bool known = IsCommand(app, outline.command);
+    std::string message = e.what();
+    if (outline.command.empty() &&
+        dynamic_cast<const CLI::RequiredError*>(&e) != nullptr) {
+      message = "no command given; the commands are " + CommandNames(app);
+    }
+    std::cerr << nvtool::UsageErrorLine(known ? outline.command : "", message)
+              << "\n";
     status = 2;
   } catch (const std::exception& e) {
     std::cerr << "nvtool: " << e.what() << "\n";

@@ -125,31 +125,45 @@ void AddMatchCommand(CLI::App& app, Context& context) {
   auto o = std::make_shared<MatchOptions>();
   CLI::App* sub = app.add_subcommand(
       "match",
-      "Choose the entry of a defaults table that fits a key best, as a host "
-      "does to fill an order ticket. Prints the winner's index (from 0), its "
+      "Choose the entry of a defaults table that fits a key best.\n"
+      "Does what a host does to fill an order ticket. Prints the winner's "
+      "index (from 0), its "
       "score (broker 32, template 16, product 8, gateway 4, market 2, product "
       "type 1) and its name, or \"no entry fits\". Key fields not given are "
       "open.");
-  sub->add_option("table", o->table, "Defaults table, a JSON file")
+  sub->add_option(
+         "TABLE", o->table,
+         "The defaults table, a JSON file (docs/formats/defaults-table.md)")
       ->required()
-      ->type_name("FILE");
-  sub->add_option("--template", o->templateName, "Template name")
+      ->type_name("TABLE");
+  sub->add_option("--template", o->templateName, "Template name; default: any")
       ->type_name("NAME");
   sub->add_option("--broker", o->broker,
-                  "Broker id; counts only with --multi-broker")
-      ->check(CLI::Range(0, 65535));
-  sub->add_option("--market", o->market, "Market id or name")
+                  "Broker id, 0 to 65535; counts only with --multi-broker; "
+                  "default: 0")
+      ->check(CLI::Range(0, 65535))
+      ->type_name("ID");
+  sub->add_option("--market", o->market, "Market id or name; default: any")
       ->type_name("MARKET");
   sub->add_option("--exchange", o->exchange,
-                  "Gateway: exchange id, name or flavoured name")
+                  "Gateway: exchange id, name or flavoured name; default: "
+                  "any")
       ->type_name("EXCHANGE");
-  sub->add_option("--gm-id", o->gmId, "GM id; -1 for any");
+  sub->add_option("--gm-id", o->gmId, "GM id; -1 for any; default: -1")
+      ->type_name("ID");
   sub->add_option("--product-type", o->productType,
-                  "Product type name (FUTURE, LEGWISE, ...) or number")
+                  "Product type name (FUTURE, LEGWISE, ...) or number; "
+                  "default: any")
       ->type_name("TYPE");
-  sub->add_option("--product", o->product, "Product code")->type_name("CODE");
+  sub->add_option("--product", o->product, "Product code; default: any")
+      ->type_name("CODE");
   sub->add_flag("--multi-broker", o->multiBroker,
-                "Multi-broker mode: broker ids take part in matching");
+                "Multi-broker mode: broker ids take part in matching; "
+                "default: off");
+  sub->footer(
+      "nvtool match defaults.json --exchange CME-A --product ES\n"
+      "prints the entry of defaults.json that fills a ticket for ES on "
+      "CME-A.");
   sub->callback([&context, o] { Run(context, *o); });
 }
 

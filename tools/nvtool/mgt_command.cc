@@ -1,6 +1,7 @@
 // nvtool mgt: checks an MGT file the way a host application loads it, and
 // prints every line the loader logs, the result of the load and, on
-// request, the identity a gateway would log in with.
+// request, the identity a gateway would log in with. Dynamic connections
+// are on unless turned off, as on a host with an empty settings store.
 #include <memory>
 #include <ostream>
 #include <string>
@@ -20,7 +21,7 @@ namespace {
 struct MgtOptions {
   std::string file;
   std::vector<std::string> gateways;
-  bool dynamic = false;
+  bool noDynamic = false;
 };
 
 // Info lines go to the logger with severity 3, errors with -1.
@@ -62,25 +63,19 @@ void Run(const Context& context, const MgtOptions& options) {
   const nvshared::Status loaded = context.LoadReferenceData();
   if (!loaded.ok()) throw CLI::RuntimeError(loaded.message(), 1);
 
-  std::vector<int> gatewayIds;
-  for (const std::string& name : options.gateways) {
-    const int id = dv_core_ns::CDVConsumer::GetExchangeId(name.c_str());
-    if (id == -1) {
-      throw CLI::RuntimeError(
-          "--gateway " + name + ": no such gateway in the reference data", 1);
-    }
-    gatewayIds.push_back(id);
-  }
   // The loader answers a file it cannot read like an empty one; a checker
   // should say so instead.
   const auto contents = nvshared::os::ReadWholeFile(options.file);
   if (!contents.ok()) throw CLI::RuntimeError(contents.status().message(), 1);
 
-  // The setting lives in the in-memory user store for this run only; no
-  // file is bound, so nothing is written.
-  CRegistryMgr::Instance(CRegistryMgr::kUser)
-      .WriteRegString("SEServer", "EnableDynamicConnections",
-                      options.dynamic ? "Y" : "N");
+  // A host whose settings store does not set dynamic connections has them
+  // on, and so does this check unless told otherwise. The setting lives in
+  // the in-memory user store for this run only; no file is bound, so
+  // nothing is written.
+  if (options.noDynamic) {
+    CRegistryMgr::Instance(CRegistryMgr::kUser)
+        .WriteRegString("SEServer", "EnableDynamicConnections", "N");
+  }
 
   auto sink = std::make_shared<dv_log::MemorySink>();
   auto saved = dv_log::GetCustomLog()->SetSink(sink);
@@ -90,13 +85,25 @@ void Run(const Context& context, const MgtOptions& options) {
   dv_log::GetCustomLog()->SetSink(saved);
 
   std::ostream& out = *context.out;
+  out << (options.noDynamic
+              ? "Dynamic connections: off; identities as the file gives them\n"
+              : "Dynamic connections: on, as on a host whose settings store "
+                "does not set them; every identity is DVADM/XXX/MGR\n");
   for (const dv_log::LogRecord& record : sink->Records()) {
     out << Mark(record) << " " << record.text << "\n";
   }
   out << "Load: " << (ok ? "true" : "false") << "\n";
-  for (std::size_t i = 0; i < gatewayIds.size(); ++i) {
-    const nv_ns::Mgt* found = mgt.GetMgt(gatewayIds[i]);
-    out << "gateway " << options.gateways[i] << ": ";
+  // Unknown gateways are reported after the whole load report, which holds
+  // the answer for the names that are known.
+  std::string unknown;
+  for (const std::string& name : options.gateways) {
+    const int id = dv_core_ns::CDVConsumer::GetExchangeId(name.c_str());
+    if (id == -1) {
+      unknown += (unknown.empty() ? "" : ", ") + name;
+      continue;
+    }
+    const nv_ns::Mgt* found = mgt.GetMgt(id);
+    out << "gateway " << name << ": ";
     if (found == nullptr) {
       out << "no identity\n";
       continue;
@@ -104,9 +111,13 @@ void Run(const Context& context, const MgtOptions& options) {
     out << Describe(*found)
         << (IsMarketLevel(mgt, found) ? " (market level)" : "") << "\n";
   }
-  if (!ok) {
-    throw CLI::RuntimeError(options.file + ": no market could be loaded", 1);
+  std::string failure;
+  if (!ok) failure = options.file + ": no market could be loaded";
+  if (!unknown.empty()) {
+    failure += (failure.empty() ? "" : "; ") + std::string("--gateway ") +
+               unknown + ": no such gateway in the reference data";
   }
+  if (!failure.empty()) throw CLI::RuntimeError(failure, 1);
 }
 
 }  // namespace
@@ -115,21 +126,33 @@ void AddMgtCommand(CLI::App& app, Context& context) {
   auto options = std::make_shared<MgtOptions>();
   CLI::App* sub = app.add_subcommand(
       "mgt",
-      "Check an MGT file: load it as a host application does and print every "
-      "line the loader logs (marked info or error), the result of the load "
-      "and, for each --gateway, the identity that gateway logs in with. "
-      "Exits 1 when the load fails.");
+      "Check an MGT file as a host application loads it.\n"
+      "Prints whether dynamic connections are on, every line the loader "
+      "logs (marked info or error), the result of the load and, for each "
+      "--gateway, the identity that gateway logs in with.\n"
+      "Like a host whose settings store does not set "
+      "SEServer\\EnableDynamicConnections, the check runs with dynamic "
+      "connections on, so every identity is DVADM/XXX/MGR. Give "
+      "--no-dynamic-connections to check the identities the file itself "
+      "gives, as a host does once its store sets that value to N.\n"
+      "Exits 1 after the whole report when the load fails or a --gateway "
+      "is unknown. With dynamic connections on the load does not fail: a "
+      "host then loads even a file without one valid section.");
   sub->add_option("FILE", options->file, "The MGT file to check")
       ->required()
       ->type_name("FILE");
   sub->add_option("--gateway", options->gateways,
                   "A gateway (exchange) name whose login identity to print; "
-                  "repeatable")
+                  "repeatable; default: none")
       ->type_name("NAME")
       ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-  sub->add_flag("--dynamic", options->dynamic,
-                "Load with dynamic connections enabled: every section gets "
-                "the fixed identity DVADM/XXX/MGR");
+  sub->add_flag("--no-dynamic-connections", options->noDynamic,
+                "Load with dynamic connections off, as a host whose settings "
+                "store sets SEServer\\EnableDynamicConnections to N; default: "
+                "on, as a host whose store does not set it");
+  sub->footer(
+      "nvtool mgt --no-dynamic-connections --gateway CME-A site.mgt\n"
+      "checks site.mgt and prints the identity gateway CME-A logs in with.");
   sub->callback([&context, options] { Run(context, *options); });
 }
 

@@ -147,26 +147,31 @@ void AddNameCommand(CLI::App& app, Context& context) {
   FormatContractConfig& config = options->config;
   CLI::App* sub = app.add_subcommand(
       "name",
-      "Print the names of series of the reference data: one line per series, "
-      "the key, a tab, the name. Starts from the default format config "
+      "Print the names a host shows for series of the reference data.\n"
+      "One line per series: the key, a tab, the name. Starts from the default "
+      "format config "
       "(flavoured exchange, product, ratio signs and custom names on); the "
       "flags change one field each. A series the formatter cannot name "
       "prints an empty name.");
-  sub->add_option("keys", options->keys, "Series keys to name")
+  sub->add_option("KEY", options->keys,
+                  "Series keys to name, e.g. ESH4; or give --all")
       ->type_name("KEY");
-  sub->add_flag("--all", options->all, "Name every series of the data");
+  sub->add_flag("--all", options->all,
+                "Name every series of the data; not with KEY");
   sub->add_option("--exchange", options->exchange,
                   "Look the keys up on this exchange (id or name); needed "
-                  "where a key is listed by several exchanges")
+                  "where a key is listed by several exchanges; default: the "
+                  "only exchange that lists it")
       ->type_name("ID");
   sub->add_flag("--legs", options->legs,
                 "For spreads and strategies with known legs, add three "
                 "tab-separated columns: the flavoured exchange, the spread "
                 "type and the legs");
   sub->add_flag("--show-exchange", config.showExchange,
-                "Lead with the exchange name");
+                "Lead with the exchange name; default: off");
   sub->add_flag("--show-market", config.showMarket,
-                "Lead with the market name (wins over --show-exchange)");
+                "Lead with the market name (wins over --show-exchange); "
+                "default: off");
   sub->add_flag("--plain-exchange", options->plainExchange,
                 "Exchange lead without its flavour");
   sub->add_flag("--no-product", options->noProduct, "Leave out the product");
@@ -184,24 +189,23 @@ void AddNameCommand(CLI::App& app, Context& context) {
                 "Print the strike although the series name was used");
   sub->add_option("--series-name-mode", config.seriesNameMode,
                   "0: series names as the switches say; 1: always; other: "
-                  "never because of the switches")
+                  "never because of the switches; default: 0")
       ->type_name("N");
-  const std::map<std::string, nv_fmt::NameStyle::Enum> styles = {
-      {"default", nv_fmt::NameStyle::Default},
-      {"name", nv_fmt::NameStyle::Name},
-      {"alias", nv_fmt::NameStyle::Alias}};
   sub->add_option("--product-style", config.productNameStyle,
-                  "How products print: default (alias unless "
-                  "--product-names), name (code) or alias")
-      ->transform(CLI::CheckedTransformer(styles, CLI::ignore_case))
+                  "How products print, in any case: default (alias unless "
+                  "--product-names), name (code) or alias; default: default")
+      ->transform(
+          OneOfNamed({{"default", std::to_string(nv_fmt::NameStyle::Default)},
+                      {"name", std::to_string(nv_fmt::NameStyle::Name)},
+                      {"alias", std::to_string(nv_fmt::NameStyle::Alias)}}))
       ->type_name("STYLE");
   sub->add_flag("--strategy-name-fallback", config.strategyNameFallback,
                 "Set the strategy-name fallback field (kept, no effect)");
   sub->add_flag("--series-names", options->seriesNames,
                 "Switch on exchanges' own series names everywhere");
   sub->add_option("--series-names-for", options->seriesNamesFor,
-                  "Switch on series names for one exchange and its flavours "
-                  "(repeatable)")
+                  "Switch on series names for one exchange (id or name) and "
+                  "its flavours; repeatable; default: none")
       ->type_name("ID");
   sub->add_flag("--product-names", options->productNames,
                 "Show products by their code rather than their alias");
@@ -209,6 +213,10 @@ void AddNameCommand(CLI::App& app, Context& context) {
                   "Custom names from this names file (see 'nvtool names'); "
                   "default: none")
       ->type_name("FILE");
+  sub->footer(
+      "nvtool name --product-names --legs \"ES CM1\"\n"
+      "prints the calendar spread ES CM1 by product code, with its "
+      "exchange, spread type and legs.");
   sub->callback([&context, options] {
     if (options->all == !options->keys.empty()) {
       throw CLI::ValidationError("name", "give series keys or --all, not both");

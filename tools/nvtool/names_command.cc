@@ -148,30 +148,35 @@ void AddNamesCommand(CLI::App& app, Context& context) {
   auto options = std::make_shared<NamesOptions>();
   CLI::App* sub = app.add_subcommand(
       "names",
-      "Work on a custom-names file with the library's archiver: list the "
-      "names (key, a tab, the name, in screen order), add or change a "
-      "contract's name, remove one by name or by key, or purge them all. "
+      "List or change the custom names of a names file.\n"
+      "Works on a custom-names file with the library's archiver: lists the "
+      "names (key, a tab, the name, in screen order), adds or changes a "
+      "contract's name, removes one by name or by key, or purges them all. "
       "The file is loaded first, so expired names go, and a damaged file "
       "keeps the names before the damage; every change rewrites it. The "
       "library's log lines of the action are printed.");
-  sub->add_option("file", options->file,
+  sub->add_option("FILE", options->file,
                   "The names file; a missing one starts empty")
       ->required()
       ->type_name("FILE");
-  sub->add_option("action", options->action,
+  sub->add_option("ACTION", options->action,
                   "list | add KEY NAME | change KEY NAME | "
                   "remove KEY-or-NAME | purge")
       ->required()
-      ->check(CLI::IsMember({"list", "add", "change", "remove", "purge"}))
+      ->transform(OneOf({"list", "add", "change", "remove", "purge"}))
       ->type_name("ACTION");
-  sub->add_option("arguments", options->arguments,
-                  "The action's series key and name")
+  sub->add_option("ARG", options->arguments,
+                  "The action's series key and name, as ACTION says")
       ->type_name("ARG");
   sub->add_option("--exchange", options->exchange,
                   "Look keys up on this exchange (id or name); needed where "
                   "a key is listed by several exchanges; default: the only "
                   "one that lists it")
       ->type_name("ID");
+  sub->footer(
+      "nvtool names my.names add ESH4 \"March mini\"\n"
+      "gives the series ESH4 the custom name \"March mini\" in my.names, "
+      "then prints the library's log lines.");
   sub->callback([&context, options] { RunNames(*options, context); });
 }
 

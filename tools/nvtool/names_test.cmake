@@ -39,7 +39,7 @@ run(0 "RemoveCustomSeriesName\\(seriesID\\) Contract Name: LME CA 05Mar14, Custo
     "^$" names "${file}" remove "CA CASH")
 run(0 "^$" "^$" names "${file}" list)
 run(1 "^$" "^nvtool: unknown series key \"NOPE\"\n$" names "${file}" add NOPE x)
-run(2 "^$" "^nvtool: names: add takes 2 arguments\n" names "${file}" add MSFT)
+run(2 "^$" "^nvtool: names: add takes 2 arguments; see 'nvtool names --help'\n$" names "${file}" add MSFT)
 run(2 "^$" "^nvtool: " names "${file}" rename)
 
 # A damaged file keeps the names before the damage, says so, and is

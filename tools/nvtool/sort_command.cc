@@ -77,10 +77,10 @@ void AddSortCommand(CLI::App& app, Context& context) {
   auto options = std::make_shared<SortOptions>();
   CLI::App* sub = app.add_subcommand(
       "sort",
-      "Print the series of the reference data in screen order (market, "
-      "product, date, strike, call before put; BTec bonds by their keys, LME "
-      "prompts first, ICE strips as month ranges): one line per series, the "
-      "key, a tab, the name.");
+      "Print the series of the reference data in screen order.\n"
+      "One line per series: the key, a tab, the name. The order is by "
+      "market, product, date, strike, call before put; BTec bonds by their "
+      "keys, LME prompts first, ICE strips as month ranges.");
   sub->add_option("--exchange", options->exchange,
                   "Only the series of this exchange (id or name); default: "
                   "every exchange")
@@ -92,6 +92,9 @@ void AddSortCommand(CLI::App& app, Context& context) {
   sub->add_flag("--series-names", options->seriesNames,
                 "Show exchanges' own series names, which then also order "
                 "series alike in everything else; default: off");
+  sub->footer(
+      "nvtool sort --exchange CME-A --product ES\n"
+      "prints the ES series of CME-A as a host's window lists them.");
   sub->callback([&context, options] {
     const nvshared::Status loaded = context.LoadReferenceData();
     if (!loaded.ok()) throw CLI::RuntimeError(loaded.message(), 1);

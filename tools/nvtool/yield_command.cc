@@ -127,33 +127,39 @@ void Explain(std::ostream& out, const CUDPYTMCalc& calc) {
 CLI::App* AddBondCommand(CLI::App& app, const std::string& name,
                          const std::string& description, BondOptions& o) {
   CLI::App* sub = app.add_subcommand(name, description);
-  sub->add_option("--settle", o.settle, "Settlement date, YYYY-MM-DD")
+  sub->add_option("--settle", o.settle, "Settlement date")
+      ->type_name("DATE")
       ->required();
-  sub->add_option("--maturity", o.maturity, "Maturity date, YYYY-MM-DD")
+  sub->add_option("--maturity", o.maturity, "Maturity date")
+      ->type_name("DATE")
       ->required();
   sub->add_option("--coupon", o.coupon, "Annual coupon in percent, e.g. 4.25")
       ->check(FiniteNumber())
+      ->type_name("PERCENT")
       ->required();
   sub->add_option("--freq", o.frequency, "Coupons a year: 1, 2, 4 or 12")
-      ->check(CLI::IsMember({1, 2, 4, 12}))
+      ->transform(OneOf({"1", "2", "4", "12"}))
+      ->type_name("N")
       ->capture_default_str();
-  sub->add_option("--daycount", o.dayCount,
-                  "Day count by number or name: 0 Actual/Actual, "
-                  "1 Actual/360, 2 30/360, 3 30/365, 4 30E/360, 5 Actual/365")
-      ->capture_default_str();
+  AddDayCountOption(*sub, o.dayCount, "0, Actual/Actual");
   sub->add_flag("--eom", o.endOfMonth,
                 "End-of-month rule: coupons of a month-end maturity stay on "
                 "month ends, and 30/360 counts February's last day as the "
-                "30th");
+                "30th; default: off");
   sub->add_flag("--optional", o.optional,
-                "Use --issue and --first-coupon for an odd first period");
-  sub->add_option("--issue", o.issue, "Issue (dated) date, YYYY-MM-DD");
+                "Use --issue and --first-coupon for an odd first period; "
+                "default: off, a regular calendar counted back from maturity");
+  sub->add_option("--issue", o.issue,
+                  "Issue (dated) date; only with --optional")
+      ->type_name("DATE");
   sub->add_option("--first-coupon", o.firstCoupon,
-                  "First coupon date, YYYY-MM-DD");
+                  "First coupon date; only with --optional")
+      ->type_name("DATE");
   sub->add_option("--factor", o.factor,
                   "Conversion factor: prices are futures prices, the bond's "
                   "price divided by it")
       ->check(FiniteNumber())
+      ->type_name("FACTOR")
       ->capture_default_str();
   sub->add_flag("--explain", o.explain,
                 "Also print the bond's shape and its reduced terms N, C, AI, "
@@ -167,12 +173,19 @@ void AddYieldCommand(CLI::App& app, Context& context) {
   auto o = std::make_shared<BondOptions>();
   CLI::App* sub = AddBondCommand(
       app, "yield",
-      "Yield to maturity in percent from a clean price per 100, printed "
-      "with 10 decimals.",
+      "A bond's yield to maturity from its clean price.\n"
+      "Prints the yield in percent with 10 decimals. Dates are written "
+      "YYYY-MM-DD.",
       *o);
-  sub->add_option("--price", o->value, "Clean price per 100 (at least 1.0)")
+  sub->add_option("--price", o->value, "Clean price per 100, at least 1.0")
       ->check(FiniteNumber())
+      ->type_name("PRICE")
       ->required();
+  sub->footer(
+      "nvtool yield --settle 2024-03-15 --maturity 2029-03-15 --coupon 4 "
+      "--price 100\n"
+      "prints 4.0000000000: settled on a coupon date, a bond priced at par "
+      "yields its coupon.");
   sub->callback([&context, o] {
     CUDPYTMCalc calc;
     Initialize(*o, calc);
@@ -192,12 +205,19 @@ void AddPriceCommand(CLI::App& app, Context& context) {
   auto o = std::make_shared<BondOptions>();
   CLI::App* sub = AddBondCommand(
       app, "price",
-      "Clean price per 100 from a yield to maturity in percent, printed "
-      "with 10 decimals.",
+      "A bond's clean price from its yield to maturity.\n"
+      "Prints the clean price per 100 with 10 decimals. Dates are written "
+      "YYYY-MM-DD.",
       *o);
   sub->add_option("--yield", o->value, "Yield to maturity in percent")
       ->check(FiniteNumber())
+      ->type_name("PERCENT")
       ->required();
+  sub->footer(
+      "nvtool price --settle 2024-03-15 --maturity 2029-03-15 --coupon 4 "
+      "--yield 5\n"
+      "prints 95.6239680345, the clean price of a 4% bond five years from "
+      "maturity at a yield of 5%.");
   sub->callback([&context, o] {
     CUDPYTMCalc calc;
     Initialize(*o, calc);

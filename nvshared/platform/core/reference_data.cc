@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cerrno>
+#include <cstring>
 #include <fstream>
 #include <mutex>
 #include <sstream>
@@ -34,6 +36,14 @@ std::string ProductLabel(const ProdID& p) {
   return out.str();
 }
 
+// "<path>: <what>: <the system's reason>", the reason left out when the
+// system gave none.
+Status FileError(const std::string& path, const char* what, int error) {
+  std::string message = path + ": " + what;
+  if (error != 0) message += std::string(": ") + std::strerror(error);
+  return Status::Error(message);
+}
+
 std::string SeriesLabel(int exchange, std::string_view key) {
   return "series " + std::to_string(exchange) + "/" + std::string(key);
 }
@@ -62,11 +72,17 @@ void ReferenceData::Install(std::unique_ptr<const ReferenceData> data) {
 }
 
 nvshared::Status ReferenceData::LoadFile(const std::string& path) {
+  // The stream keeps no reason of its own; errno, taken at once, holds the
+  // system's.
+  errno = 0;
   std::ifstream in(path, std::ios::binary);
-  if (!in) return Status::Error(path + ": cannot open the file");
+  if (!in) return FileError(path, "cannot open the file", errno);
   std::ostringstream text;
+  errno = 0;
   text << in.rdbuf();
-  if (in.bad()) return Status::Error(path + ": cannot read the file");
+  if (in.bad() || errno == EISDIR) {
+    return FileError(path, "cannot read the file", errno);
+  }
   return LoadJson(text.str(), path);
 }
 

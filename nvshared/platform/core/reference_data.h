@@ -71,7 +71,8 @@ class NVSHARED_API ReferenceData {
   // Makes `data` current. The previous store is retired, never freed.
   static void Install(std::unique_ptr<const ReferenceData> data);
   // Parses a file or a text and installs it. On failure the current store is
-  // left as it was and the status names the file and the offending item.
+  // left as it was and the status names the file and the offending item,
+  // or the system's reason when the file cannot be read.
   static nvshared::Status LoadFile(const std::string& path);
   static nvshared::Status LoadJson(std::string_view json,
                                    std::string_view sourceName = "<text>");

@@ -175,10 +175,20 @@ TEST(ReferenceDataJsonTest, AFailedLoadKeepsTheCurrentStore) {
             bad.string() + ": exchanges[0]: missing field \"name\"");
   EXPECT_EQ(&ReferenceData::Current(), before);
 
-  const auto missing = (dir.path() / "missing.json").string();
-  EXPECT_EQ(ReferenceData::LoadFile(missing).message(),
-            missing + ": cannot open the file");
-  EXPECT_EQ(&ReferenceData::Current(), before);
+  // Files that cannot be read say why, in the system's words.
+  const struct {
+    std::string path;
+    std::string message;
+  } unreadable[] = {
+      {(dir.path() / "missing.json").string(),
+       ": cannot open the file: No such file or directory"},
+      {dir.path().string(), ": cannot read the file: Is a directory"},
+  };
+  for (const auto& c : unreadable) {
+    SCOPED_TRACE(c.path);
+    EXPECT_EQ(ReferenceData::LoadFile(c.path).message(), c.path + c.message);
+    EXPECT_EQ(&ReferenceData::Current(), before);
+  }
 }
 
 TEST(ReferenceDataJsonTest, TheBundledSampleLoads) {
