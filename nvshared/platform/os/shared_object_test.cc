@@ -34,26 +34,5 @@ TEST(ListMatchingFiles, MatchesRegularFilesInNameOrder) {
   EXPECT_TRUE(ListMatchingFiles(folder + "/absent", "*").empty());
 }
 
-TEST(LoadSharedObject, FailuresCarryTheLoadersText) {
-  testing::TempDir dir;
-  const auto garbage = dir.WriteFile("garbage.so", "not an object");
-  std::string error;
-  EXPECT_EQ(LoadSharedObject(garbage.string(), error), nullptr);
-  EXPECT_NE(error.find("garbage.so"), std::string::npos) << error;
-
-  error.clear();
-  EXPECT_EQ(LoadSharedObject((dir.path() / "absent.so").string(), error),
-            nullptr);
-  EXPECT_NE(error.find("absent.so"), std::string::npos) << error;
-
-  // The C library is loaded already; loading it again only counts.
-  error.clear();
-  void* libc = LoadSharedObject("libc.so.6", error);
-  ASSERT_NE(libc, nullptr) << error;
-  EXPECT_NE(FindSymbol(libc, "strlen", error), nullptr);
-  EXPECT_EQ(FindSymbol(libc, "nvPriceModelLibrary", error), nullptr);
-  EXPECT_NE(error.find("nvPriceModelLibrary"), std::string::npos) << error;
-}
-
 }  // namespace
 }  // namespace nvshared::os
