@@ -15,6 +15,7 @@
 using nvshared::udp_internal::Check;
 using nvshared::udp_internal::HostTable;
 using nvshared::udp_internal::HostText;
+using nvshared::udp_internal::IsValidUtf8;
 using nvshared::udp_internal::PluginError;
 using nvshared::udp_internal::StatusText;
 
@@ -231,8 +232,12 @@ void CCustomUDPTypeLib::AddFactory(
     for (int32_t index = 0; index < count; ++index) {
       HostText name;
       Check(factory->GetPriceModelName(index, &name));
+      // A name that does not convert (too long for the buffer, or not
+      // UTF-8) becomes the empty name.
       const std::string narrow =
-          name.value.size() < kNameBuffer ? name.value : std::string();
+          name.value.size() < kNameBuffer && IsValidUtf8(name.value)
+              ? name.value
+              : std::string();
       if (taken(narrow)) {
         Log("Price Model Name conflicts are not allowed. Type Library: '" +
             FileName(m_sTypeLibPath) + "' registration failed!");

@@ -387,6 +387,8 @@ TEST_F(PluginHostTest, OddModelsAndParameterTables) {
     EXPECT_EQ(NewLines(), c.logged);
   }
   EXPECT_EQ(Ask<int>("faulty.so", "nvTestLiveObjects", -1), 1);  // factory
+  // A name that is not UTF-8 is entered as the empty name.
+  EXPECT_TRUE(manager.CustomModelNameExists(""));
 
   struct Read {
     const char* model;
@@ -437,6 +439,27 @@ TEST(PluginStatusText, StandardTextsThenTheTwoForms) {
     EXPECT_EQ(nvshared::udp_internal::StatusText(
                   static_cast<nv_pm::NvStatus>(c.status)),
               c.text);
+  }
+}
+
+// Model names must convert: well-formed UTF-8 only.
+TEST(PluginText, Utf8Validity) {
+  struct Case {
+    const char* text;
+    bool valid;
+  } const cases[] = {
+      {"Forward Yield", true},
+      {"\xE2\x82\xAC 5", true},
+      {"\xF4\x8F\xBF\xBF", true},   // U+10FFFF
+      {"\xC0\x80", false},          // overlong NUL
+      {"\xED\xA0\x80", false},      // surrogate
+      {"\xF4\x90\x80\x80", false},  // above U+10FFFF
+      {"\xE2\x82", false},          // cut short
+      {"\x80", false},              // stray continuation
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.text);
+    EXPECT_EQ(nvshared::udp_internal::IsValidUtf8(c.text), c.valid);
   }
 }
 

@@ -51,7 +51,7 @@ std::vector<std::string> ModelNames(int factory) {
     case KIND_FAULTY:
       return {"Fails 80040201", "Fails 87654321", "Throws",      "Create Fails",
               "Create Throws",  "Null Model",     "Not A Model", "Five Columns",
-              "Weak Cells",     "Shapeless",      "Zero Rows"};
+              "Weak Cells",     "Shapeless",      "Zero Rows",   "Bad \xC3("};
     case KIND_NAME_THROWS:
       return {"Kappa", "Never"};
     case KIND_CLASSES:

@@ -46,6 +46,36 @@ std::string StatusText(nv_pm::NvStatus status) {
   return text;
 }
 
+bool IsValidUtf8(const std::string& text) {
+  const auto* p = reinterpret_cast<const unsigned char*>(text.data());
+  const auto* end = p + text.size();
+  while (p < end) {
+    const unsigned char lead = *p++;
+    if (lead < 0x80) continue;
+    int more = 0;
+    std::uint32_t value = 0, least = 0;
+    if ((lead & 0xE0) == 0xC0) {
+      more = 1, value = lead & 0x1F, least = 0x80;
+    } else if ((lead & 0xF0) == 0xE0) {
+      more = 2, value = lead & 0x0F, least = 0x800;
+    } else if ((lead & 0xF8) == 0xF0) {
+      more = 3, value = lead & 0x07, least = 0x10000;
+    } else {
+      return false;
+    }
+    if (end - p < more) return false;
+    for (int i = 0; i < more; ++i, ++p) {
+      if ((*p & 0xC0) != 0x80) return false;
+      value = value << 6 | (*p & 0x3F);
+    }
+    if (value < least || value > 0x10FFFF ||
+        (value >= 0xD800 && value <= 0xDFFF)) {
+      return false;
+    }
+  }
+  return true;
+}
+
 nv_pm::NvStatus HostText::Assign(const char* text) {
   try {
     value = text != nullptr ? text : "";

@@ -19,6 +19,10 @@ namespace nvshared::udp_internal {
 // "IDispatch error #n" for 0x80040200 + n (n > 0), else "Unknown error 0x..".
 std::string StatusText(nv_pm::NvStatus status);
 
+// True if `text` is well-formed UTF-8 (no overlong forms, surrogates or
+// values above U+10FFFF).
+bool IsValidUtf8(const std::string& text);
+
 // A failed status raised by the host: the status, an optional description
 // and the status's text.
 class PluginError : public std::exception {
@@ -56,7 +60,7 @@ class HostText final : public nv_pm::ITextOut {
 class HostTable final : public nv_pm::IStringTable {
  public:
   // The largest number of cells a plug-in may ask for.
-  static constexpr long long kMaxCells = 1 << 20;
+  static constexpr long long kMaxCells = 1 << 16;
 
   HostTable() = default;
   HostTable(int rows, int columns) { Resize(rows, columns); }
