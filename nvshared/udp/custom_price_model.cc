@@ -206,21 +206,30 @@ bool CallValidateParams(nv_pm::IPriceModelFactory* factory, int32_t index,
 CCustomUDPTypeLib::CCustomUDPTypeLib(const std::string& path)
     : m_sTypeLibPath(path) {}
 
-CCustomUDPTypeLib::~CCustomUDPTypeLib() {
-  for (auto& entry : m_mapModels) {
-    if (entry.second.second == 0) SafeRelease(entry.second.first);
-  }
-}
+CCustomUDPTypeLib::~CCustomUDPTypeLib() { Clear(); }
 
 bool CCustomUDPTypeLib::HasModel(const std::string& name) const {
   return m_mapModels.count(name) != 0;
 }
 
+bool CCustomUDPTypeLib::Holds(const nv_pm::IPriceModelFactory* factory) const {
+  return std::any_of(
+      m_mapModels.begin(), m_mapModels.end(),
+      [factory](const auto& entry) { return entry.second.first == factory; });
+}
+
+// Each factory is released once. (Releasing at the entry of index 0 alone
+// would leak a factory whose first name was refused as a repeat.)
 void CCustomUDPTypeLib::Clear() {
+  std::vector<nv_pm::IPriceModelFactory*> factories;
   for (auto& entry : m_mapModels) {
-    if (entry.second.second == 0) SafeRelease(entry.second.first);
+    if (std::find(factories.begin(), factories.end(), entry.second.first) ==
+        factories.end()) {
+      factories.push_back(entry.second.first);
+    }
   }
   m_mapModels.clear();
+  for (nv_pm::IPriceModelFactory* factory : factories) SafeRelease(factory);
 }
 
 void CCustomUDPTypeLib::AddFactory(
@@ -241,7 +250,9 @@ void CCustomUDPTypeLib::AddFactory(
       if (taken(narrow)) {
         Log("Price Model Name conflicts are not allowed. Type Library: '" +
             FileName(m_sTypeLibPath) + "' registration failed!");
+        const bool held = Holds(factory);
         Clear();
+        if (!held) SafeRelease(factory);
         return;
       }
       m_mapModels.emplace(narrow, std::make_pair(factory, index));
@@ -252,6 +263,8 @@ void CCustomUDPTypeLib::AddFactory(
   } catch (...) {
     Report(kAddFactoryException, kPlainReport);
   }
+  // A factory that gave no model is not kept.
+  if (!Holds(factory)) SafeRelease(factory);
 }
 
 CUDPrice* CCustomUDPTypeLib::GetCustomPriceModel(const std::string& name) {

@@ -35,18 +35,21 @@ class NVSHARED_API CCustomUDPTypeLib {
   explicit CCustomUDPTypeLib(const std::string& path);
   CCustomUDPTypeLib(const CCustomUDPTypeLib&) = delete;
   CCustomUDPTypeLib& operator=(const CCustomUDPTypeLib&) = delete;
-  // Releases each factory once, at its entry of index 0.
+  // Releases each factory once.
   virtual ~CCustomUDPTypeLib();
 
   // True if the library offers the model.
   bool HasModel(const std::string& name) const;
-  // Adds the models of `factory`. A name that `taken` reports (built in, or
-  // held by any library) clears the whole library and ends the adding; a
-  // name the library already has keeps its first entry.
+  // Adds the models of `factory`, taking over the caller's reference (a
+  // factory that ends up with no model is released). A name that `taken`
+  // reports (built in, or held by any library) clears the whole library and
+  // ends the adding; a name the library already has keeps its first entry.
   void AddFactory(nv_pm::IPriceModelFactory* factory,
                   const std::function<bool(const std::string&)>& taken);
   // Releases the factories and forgets every model.
   void Clear();
+  // True if some model of the library comes from `factory`.
+  bool Holds(const nv_pm::IPriceModelFactory* factory) const;
 
   // The look-ups of the manager for one library: null or false when the
   // library lacks the name.
