@@ -67,9 +67,9 @@ class ITextOut {
 // A two-dimensional table of texts, rows by columns, indices from 0, that
 // the host owns. A table the plug-in must fill starts without a shape
 // (Rows() and Columns() are -1), which stands for "no value"; Resize gives
-// it one, with every cell absent (at most 65536 cells, else kOutOfMemory). Get fails for a cell outside the shape
-// (kBadIndex) or an absent one (kTypeMismatch) and leaves `text` untouched;
-// Set stores a copy.
+// it one, with every cell absent (at most 65536 cells, else kOutOfMemory).
+// Get fails for a cell outside the shape (kBadIndex) or an absent one
+// (kTypeMismatch) and leaves `text` untouched; Set stores a copy.
 class IStringTable {
  public:
   virtual int32_t Rows() const = 0;
