@@ -24,6 +24,13 @@ if(EXISTS "${stage}/bin/nvtool")
     message(FATAL_ERROR "unexpected nvtool --version:\n${step_output}")
   endif()
   step("${stage}/bin/nvtool" name ESH4)
+  # The example price model is installed where the tool looks by default.
+  if(EXISTS "${stage}/${LIBDIR}/nvshared/pricemodels/forward_yield.so")
+    step("${stage}/bin/nvtool" models)
+    if(NOT step_output MATCHES "\n  model Forward Yield\n")
+      message(FATAL_ERROR "unexpected nvtool models:\n${step_output}")
+    endif()
+  endif()
 endif()
 
 # find_package(nvshared CONFIG REQUIRED)

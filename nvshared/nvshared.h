@@ -54,6 +54,8 @@
 #include "nvshared/platform/utils/udp_date_time.h"
 
 // User-defined prices.
+#include "nvshared/udp/custom_price_model.h"
+#include "nvshared/udp/price_model_sdk.h"
 #include "nvshared/udp/udp_data.h"
 #include "nvshared/udp/udp_enums.h"
 #include "nvshared/udp/udp_key_value.h"

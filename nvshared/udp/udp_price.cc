@@ -3,6 +3,8 @@
 #include <cmath>
 #include <new>
 
+#include "nvshared/udp/custom_price_model.h"
+
 using nv_ns::UDPDateTime;
 
 // ---------------------------------------------------------------------------
@@ -167,10 +169,17 @@ CUDPrice* CUDPriceFactory::GetUDPrice(CUDPData* data) {
       return new (std::nothrow) CUDPriceYield(data);
     case nv_ns::UDPPriceType::YieldToMaturity:
       return new (std::nothrow) CUDPYield2Maturity(data);
-    case nv_ns::UDPPriceType::CustomModel:
-      // Custom models come from plug-ins through their manager; with none
-      // loaded no name is known, which gives null.
-      return nullptr;
+    case nv_ns::UDPPriceType::CustomModel: {
+      // Custom models come from plug-ins through their manager, which
+      // gives null for a name no library knows. The model's answer to the
+      // settings is not needed here: a refusal was reported already.
+      CCustomPriceModelManager* manager = CCustomPriceModelManager::Instance();
+      if (manager == nullptr) return nullptr;
+      CUDPrice* price =
+          manager->GetCustomPriceModel(data->m_sCustomPriceModelName);
+      if (price != nullptr) price->ApplyNewProperties(data);
+      return price;
+    }
     case nv_ns::UDPPriceType::ParRate:
       return new (std::nothrow) CUDPriceParRate(data);
     default:

@@ -12,9 +12,11 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "nvshared/platform/utils/registry_mgr.h"
 #include "nvshared/platform/utils/udp_date_time.h"
+#include "nvshared/udp/custom_price_model.h"
 #include "nvshared/udp/udp_data.h"
 #include "nvshared/udp/udp_enums.h"
 #include "nvshared/udp/udp_price.h"
@@ -40,6 +42,8 @@ struct ColumnOptions {
   bool convert365 = false;
   bool reverse = false;
   int decimals = 6;
+  std::string model, configDir;
+  std::vector<std::string> params;
 };
 
 const char* VerdictMeaning(int code) {
@@ -68,6 +72,9 @@ const char* VerdictMeaning(int code) {
 }
 
 const char* ConverterName(const CUDPrice* p) {
+  if (dynamic_cast<const CCustomUDPrice*>(p)) {
+    return "CCustomUDPrice (custom price model)";
+  }
   if (dynamic_cast<const CUDPYield2Maturity*>(p)) {
     return "CUDPYield2Maturity (yield to maturity in percent)";
   }
@@ -126,6 +133,18 @@ CUDPData BuildSettings(const CLI::App& sub, const ColumnOptions& o) {
   if (given("--pv01")) d.m_dPV01 = o.pv01;
   if (given("--convert-365")) d.m_bConvertTo365 = o.convert365 ? 1 : 0;
   if (o.settings.empty() && !given("--type")) d.m_UDPriceType = 3;
+  if (given("--model")) d.m_sCustomPriceModelName = o.model;
+  if (given("--param")) {
+    d.m_vectUDPKeyValue.clear();
+    for (const std::string& item : o.params) {
+      const auto equals = item.find('=');
+      if (equals == std::string::npos || equals == 0) {
+        throw CLI::ValidationError("--param " + item, "expected KEY=VALUE");
+      }
+      d.m_vectUDPKeyValue.emplace_back("string", item.substr(0, equals),
+                                       item.substr(equals + 1), "", "", "");
+    }
+  }
   d.m_bEnableUDP = 1;
   return d;
 }
@@ -167,6 +186,17 @@ void Run(const CLI::App& sub, const ColumnOptions& o, Context& context) {
     out << "saved: " << o.save << '\n';
   }
 
+  if (d.m_UDPriceType == nv_ns::UDPPriceType::CustomModel) {
+    const std::string dir =
+        o.configDir.empty() ? DefaultPriceModelDir() : o.configDir;
+    if (!LoadPriceModels(dir).CustomModelNameExists(
+            d.m_sCustomPriceModelName)) {
+      throw CLI::RuntimeError("no price model named '" +
+                                  d.m_sCustomPriceModelName + "' in " + dir +
+                                  "/pricemodels",
+                              1);
+    }
+  }
   CUDPrice* raw = nullptr;
   try {
     raw = CUDPriceFactory::GetUDPrice(&d);
@@ -270,8 +300,8 @@ void AddColumnCommand(CLI::App& app, Context& context) {
       ->type_name("FACTOR");
   sub->add_option("--type", o->type,
                   "Price type, 1 to 6: 2 yield, 3 yield to maturity, 6 par "
-                  "rate (1, 4 and 5 have no converter); default: from the "
-                  "file, else 3")
+                  "rate, 4 a custom model (see --model); 1 and 5 have no "
+                  "converter; default: from the file, else 3")
       ->check(CLI::Range(1, 6))
       ->type_name("TYPE");
   sub->add_option("--yield-type", o->yieldType,
@@ -294,6 +324,19 @@ void AddColumnCommand(CLI::App& app, Context& context) {
   sub->add_flag("--reverse", o->reverse,
                 "Read user-defined prices and print exchange prices; "
                 "default: off");
+  sub->add_option("--model", o->model,
+                  "Name of the custom price model of type 4; default: from "
+                  "the file, else none")
+      ->type_name("NAME");
+  sub->add_option("--config-dir", o->configDir,
+                  "Configuration directory whose pricemodels/ holds the "
+                  "plug-ins of type 4; default: the one installed with nvtool")
+      ->type_name("DIR");
+  sub->add_option("--param", o->params,
+                  "A parameter of the custom model, KEY=VALUE, repeatable; "
+                  "without any, the model gets the bond terms; default: none")
+      ->type_name("KEY=VALUE")
+      ->allow_extra_args(false);
   sub->add_option("--decimals", o->decimals,
                   "Decimals printed, 0 to 15; default: 6")
       ->check(CLI::Range(0, 15))

@@ -13,6 +13,8 @@
 
 #include "nvshared/status.h"
 
+class CCustomPriceModelManager;
+
 namespace nvtool {
 
 // The bundled sample reference data, compiled in.
@@ -55,6 +57,14 @@ void AddEncodeCommand(CLI::App& app, Context& context);
 void AddColumnCommand(CLI::App& app, Context& context);
 void AddSortCommand(CLI::App& app, Context& context);
 void AddNamesCommand(CLI::App& app, Context& context);
+void AddModelsCommand(CLI::App& app, Context& context);
+
+// The configuration directory installed beside nvtool, whose pricemodels/
+// holds the example model.
+std::string DefaultPriceModelDir();
+// Loads the price-model plug-ins of `configDir`/pricemodels into the
+// manager, as a host does at start-up; a missing directory is an error.
+CCustomPriceModelManager& LoadPriceModels(const std::string& configDir);
 
 }  // namespace nvtool
 

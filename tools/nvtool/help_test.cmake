@@ -7,7 +7,7 @@ include("${CMAKE_CURRENT_LIST_DIR}/cli_test_common.cmake")
 # "=default" after a metavariable).
 set(artefacts "TEXT|INT|FLOAT|UINT|REQUIRED|[{}]|in \\[|->|:NUMBER|[A-Z]=[0-9]|SUBCOMMAND")
 foreach(command "" exchanges demo mgt name yield price match decode encode
-    column sort names)
+    column models sort names)
   set(args ${command} --help)
   string(STRIP "nvtool ${command}" usage)
   run(0 "^Usage: ${usage} .*\n\nExample:\n  nvtool [^\n]+\n(  [^\n]+\n)*$" "^$" ${args})
@@ -56,7 +56,7 @@ run(2 "^$" "^nvtool: price: --yield is required; see 'nvtool price --help'\n$"
     price ${par})
 run(2 "^$" "^nvtool: exchanges: The following argument was not expected: --bogus; see 'nvtool exchanges --help'\n$"
     exchanges --bogus)
-run(2 "^$" "^nvtool: no command given; the commands are exchanges, demo, mgt, name, yield, price, match, decode, encode, column, sort, names; see 'nvtool --help'\n$"
+run(2 "^$" "^nvtool: no command given; the commands are exchanges, demo, mgt, name, yield, price, match, decode, encode, column, models, sort, names; see 'nvtool --help'\n$"
     --bogus)
 
 # Day counts by number or by the name the library prints, in any case:

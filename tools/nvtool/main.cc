@@ -126,6 +126,7 @@ int main(int argc, char** argv) {
   nvtool::AddDecodeCommand(app, context);
   nvtool::AddEncodeCommand(app, context);
   nvtool::AddColumnCommand(app, context);
+  nvtool::AddModelsCommand(app, context);
   nvtool::AddSortCommand(app, context);
   nvtool::AddNamesCommand(app, context);
 
