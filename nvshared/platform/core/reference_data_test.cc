@@ -7,35 +7,17 @@
 
 #include "nvshared/platform/core/consumer.h"
 #include "nvshared/testing/temp_dir.h"
+#include "nvshared/testing/test_data.h"
 
 namespace dv_core_ns {
 namespace {
 
-// A small document that the cases below break one field at a time.
-constexpr const char* kGood = R"({
-  "exchangeIdCount": 50,
-  "exchanges": [
-    {"id": 7, "name": "CME-A", "market": "CME", "alias": "Globex"},
-    {"id": 10, "name": "CME", "market": 7}
-  ],
-  "products": [
-    {"exchange": 7, "type": "FUTURE", "name": "ES", "currency": "USD",
-     "priceTable": true, "priceDecimals": 2, "agile": {"1038": "10"}},
-    {"exchange": 7, "type": 2, "name": "ES"}
-  ],
-  "series": [
-    {"exchange": 7, "key": "ESH4-ESM4", "product": "ES", "type": "SPREAD",
-     "expiry": "2014-03", "combCode": 516,
-     "legs": [{"series": "ESH4", "ratio": 1},
-              {"exchange": 7, "series": "ESM4", "ratio": -1,
-               "agile": {"1003": "x"}}]},
-    {"exchange": 7, "key": "ESH4", "product": "ES", "type": "FUTURE",
-     "expiry": "2014-03", "contractExpiry": "2014-03-21",
-     "seriesName": "", "attributes": "a,R"},
-    {"exchange": 7, "key": "ESM4", "product": "ES", "type": "FUTURE",
-     "expiry": "2014-06"}
-  ]
-})";
+// A small document (testdata/small-refdata.json) that the cases below break
+// one field at a time.
+std::string Good() {
+  return nvshared::testing::ReadTestData(
+      "nvshared/platform/core/testdata/small-refdata.json");
+}
 
 std::string Replace(std::string text, const std::string& from,
                     const std::string& to) {
@@ -45,7 +27,7 @@ std::string Replace(std::string text, const std::string& from,
 }
 
 TEST(ReferenceDataJsonTest, ReadsEveryField) {
-  auto parsed = ReferenceData::ParseJson(kGood);
+  auto parsed = ReferenceData::ParseJson(Good());
   ASSERT_TRUE(parsed.ok()) << parsed.status().message();
   const ReferenceData& d = **parsed;
   EXPECT_EQ(d.ExchangeIdCount(), 50);
@@ -80,7 +62,7 @@ TEST(ReferenceDataJsonTest, ReadsEveryField) {
 }
 
 TEST(ReferenceDataJsonTest, ErrorsNameTheOffendingItem) {
-  const std::string good = kGood;
+  const std::string good = Good();
   struct Case {
     std::string json;
     std::string message;
@@ -182,10 +164,9 @@ TEST(ReferenceDataJsonTest, AFailedLoadKeepsTheCurrentStore) {
 }
 
 TEST(ReferenceDataJsonTest, TheBundledSampleLoads) {
-  const std::string path =
-      std::string(NVSHARED_SOURCE_DIR) + "/data/sample-refdata.json";
-  const std::string text = nvshared::testing::ReadFile(path);
-  ASSERT_FALSE(text.empty()) << path;
+  const std::string text =
+      nvshared::testing::ReadTestData("data/sample-refdata.json");
+  ASSERT_FALSE(text.empty());
   auto parsed = ReferenceData::ParseJson(text);
   ASSERT_TRUE(parsed.ok()) << parsed.status().message();
   const ReferenceData& d = **parsed;
