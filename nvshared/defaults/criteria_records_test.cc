@@ -126,8 +126,7 @@ TEST(RRCriteriaTest, ValidityStatuses) {
                {{blank, blank}, false, 1},
                {{Portion("a", 1, 1, 0)}, true, 4},
                {{on, onEmpty}, true, 4},
-               {{on, blank}, true, 0},
-               {{on, onEmpty}, false, 0}};
+               {{on, blank}, true, 0}};
   for (const auto& c : cases) {
     SCOPED_TRACE(&c - cases);
     int status = -1;
@@ -135,6 +134,8 @@ TEST(RRCriteriaTest, ValidityStatuses) {
               c.status == 0);
     EXPECT_EQ(status, c.status);
   }
+  EXPECT_FALSE(Record({onEmpty}).IsPortionBlank(0, true));
+  EXPECT_TRUE(Record({onEmpty}).IsPortionBlank(0, false));
 }
 
 TEST(RRCriteriaTest, IndexesNumbersAndSides) {
