@@ -9,12 +9,14 @@ install(TARGETS nvshared EXPORT nvsharedTargets
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   INCLUDES DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 
-# Public headers only: internal/ folders and the test helpers stay behind.
+# Public headers only: internal/ folders, the test helpers and the tests'
+# data files stay behind.
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/nvshared/"
   DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}/nvshared"
   FILES_MATCHING PATTERN "*.h"
   PATTERN "internal" EXCLUDE
   PATTERN "testing" EXCLUDE
+  PATTERN "testdata" EXCLUDE
   REGEX "platform/os" EXCLUDE
   PATTERN "*_test.h" EXCLUDE)
 install(FILES "${PROJECT_BINARY_DIR}/include/nvshared/version.h"

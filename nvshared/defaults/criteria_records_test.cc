@@ -138,7 +138,7 @@ TEST(RRCriteriaTest, ValidityStatuses) {
   EXPECT_TRUE(Record({onEmpty}).IsPortionBlank(0, false));
 }
 
-TEST(RRCriteriaTest, IndexesAndNumbers) {
+TEST(RRCriteriaTest, IndexesNumbersAndSides) {
   RRCRITERIA r = Record({Portion("a", 1, 1), Portion("b", 1, 2)});
   EXPECT_EQ(r.GetOrderPortion(0)->m_name, "a");
   EXPECT_EQ(r.GetOrderPortion(-1), nullptr);
@@ -159,12 +159,11 @@ TEST(RRCriteriaTest, IndexesAndNumbers) {
   std::vector<OrderPortion> out = {Portion("old", 0, 0)};
   r.GetCompletedOrderPortions(out, false);
   EXPECT_EQ(Names(out), "oldb");
-}
 
-TEST(RRCriteriaTest, ApplicablePortionsFollowTheSide) {
-  RRCRITERIA r = Record({Portion("b", 1, 1), Portion("s", 1, 2),
-                         Portion("x", 1, 3), Portion("off", 1, 3, 0)});
-  std::vector<OrderPortion> out;
+  // The portions that serve a side; "off" is not enabled.
+  r = Record({Portion("b", 1, 1), Portion("s", 1, 2), Portion("x", 1, 3),
+              Portion("off", 1, 3, 0)});
+  out.clear();
   r.GetApplicableOrderPortions(nv_ns::BuySell::Sell, out, 7, false);
   std::string names = Names(out);
   std::sort(names.begin(), names.end());

@@ -8,8 +8,8 @@
 #include <gtest/gtest.h>
 
 #include "nvshared/defaults/defaults_table.h"
-#include "nvshared/platform/os/atomic_file.h"
 #include "nvshared/testing/reference_fixture.h"
+#include "nvshared/testing/test_data.h"
 
 namespace {
 
@@ -51,9 +51,7 @@ class Table : public nv_ns::DefaultsTable {
 class Key : public CDefaultKey {
  public:
   using CDefaultKey::CDefaultKey;
-  using CriteriaKey::GetMarketIdFromExch;
   using CriteriaKey::MatchProduct;
-  using CriteriaKey::s_mapExchId2MktId;
 };
 
 Key MakeKey(int exchange = -1, int type = 0, const std::string& product = "",
@@ -100,11 +98,13 @@ class DefaultKeyTest : public ::testing::Test {
 // to the gateway's market (10-11); excluded entries never win (12-13); GM
 // ids narrow the gateway (14-17); the Legwise type looks for the Legwise
 // market, given an exchange (18-20); eCBOT-A prefers market 200, then CBOT
-// (21-23).
+// (21-23); a fallback gives way once to an equal entry that is not one, and
+// a higher score wins either way (24-30).
 TEST_F(DefaultKeyTest, MatchTable) {
   constexpr int kAny = -2;
   const Key full = MakeKey(7, 1, "ES"), gm3 = MakeKey(7, 0, "", -1, 3);
-  const std::string cme = "{" + kCmeA;
+  const std::string cme = "{" + kCmeA, fb = R"({"fallback":true})",
+                    marketFb = R"({"market":7,"fallback":true})";
   const struct {
     Key key;
     int winner, score;
@@ -135,6 +135,13 @@ TEST_F(DefaultKeyTest, MatchTable) {
       {MakeKey(3), 1, kAny, R"({"market":6},{"market":200})"},
       {MakeKey(3), 0, kAny, R"({"market":6})"},
       {MakeKey(3), 0, kAny, "{}"},
+      {MakeKey(7), 1, 0, fb + ",{},{}"},
+      {MakeKey(7), 2, 0, fb + "," + fb + ",{}"},
+      {MakeKey(7), 0, 0, fb + "," + fb},
+      {MakeKey(7), 0, 0, "{}," + fb},
+      {MakeKey(7), 1, 2, "{}," + marketFb},
+      {MakeKey(7), 0, 2, marketFb + ",{}"},
+      {MakeKey(7), 1, 2, marketFb + R"(,{"market":7},{"market":7})"},
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(&c - cases);
@@ -146,7 +153,7 @@ TEST_F(DefaultKeyTest, MatchTable) {
   }
 }
 
-TEST_F(DefaultKeyTest, EachWeightOutranksAllWeakerOnesTogether) {
+TEST_F(DefaultKeyTest, WeightsBrokersAndTemplates) {
   // The key names every field; the entry that names one field alone is
   // listed after an entry that names all weaker fields, and still wins:
   // product beats gateway + market + type, gateway beats market + type,
@@ -168,57 +175,40 @@ TEST_F(DefaultKeyTest, EachWeightOutranksAllWeakerOnesTogether) {
   EXPECT_EQ(Winner(key, common + kCmeA +
                             R"(,"products":"ES","productType":1,"market":7})"),
             std::pair(0, 63));
-}
 
-TEST_F(DefaultKeyTest, BrokerAndTemplateFilterWhenTheKeyNamesThem) {
+  // Broker ids count only in multi-broker mode; a key that names a template
+  // or a broker passes only the entries that name the same.
   const std::string table =
       R"({"template":"A","broker":1},{"template":"B","broker":2})";
-  // Broker ids count only in multi-broker mode.
-  EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "", 2), table).first, 0);
-  CDefaultKey::m_bMultiBrokerMode = true;
   EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "", 2), table), std::pair(1, 32));
   EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "b", 0), table),
             std::pair(1, 16));
   EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "C", 0), table).first, -1);
   EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "A", 2), table).first, -1);
+  CDefaultKey::m_bMultiBrokerMode = false;
+  EXPECT_EQ(Winner(MakeKey(-1, 0, "", -1, -1, "", 2), table).first, 0);
 }
 
-TEST_F(DefaultKeyTest, FallbackGivesWayOnceToAnEqualNonFallback) {
-  const std::string fb = R"({"fallback":true},)", plain = "{},",
-                    better = R"({"market":7},)",
-                    betterFb = R"({"market":7,"fallback":true},)";
-  // The last three: a higher score still wins, fallback or not.
-  const std::pair<std::string, int> cases[] = {{fb + plain + plain, 1},
-                                               {fb + fb + plain, 2},
-                                               {fb + fb, 0},
-                                               {plain + fb, 0},
-                                               {plain + betterFb, 1},
-                                               {betterFb + plain, 0},
-                                               {betterFb + better + better, 1}};
-  for (const auto& [table, winner] : cases) {
-    SCOPED_TRACE(table);
-    // Each piece ends in a comma; the table does not.
-    EXPECT_EQ(Winner(MakeKey(7), table.substr(0, table.size() - 1)).first,
-              winner);
-  }
-}
-
+// An eCBOT key searches for market 200, then again for CBOT unless the
+// first search found an entry of market 200 itself: the wild entry fits
+// the first search, so the second runs and returns it again. Another CBOT
+// exchange searches once, for CBOT. The best entry is saved only when
+// something fits.
 TEST_F(DefaultKeyTest, ECBOTKeySearchesTwiceOtherCBOTKeysOnce) {
-  // The wild entry fits the first search with a market other than 200, so
-  // the second search runs and returns it again.
-  Table table("{}");
-  EXPECT_TRUE(MakeKey(3).Match(table));
-  EXPECT_EQ(table.resets, 2);
-  // An exchange of CBOT whose name is not eCBOT searches once, for CBOT.
-  Table plain(R"({"market":200},{"market":6})");
-  EXPECT_TRUE(MakeKey(1).Match(plain));
-  EXPECT_EQ(plain.Best(), 1);
-  EXPECT_EQ(plain.resets, 1);
-  // Nothing for either market: false after both searches, nothing saved.
-  Table none(R"({"market":7})");
-  EXPECT_FALSE(MakeKey(3).Match(none));
-  EXPECT_EQ(none.resets, 2);
-  EXPECT_EQ(none.saves, 0);
+  const struct {
+    int exchange;
+    const char* table;
+    int winner, searches;
+  } cases[] = {{3, "{}", 0, 2},
+               {1, R"({"market":200},{"market":6})", 1, 1},
+               {3, R"({"market":7})", -1, 2}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.table);
+    Table table(c.table);
+    EXPECT_EQ(MakeKey(c.exchange).Match(table), c.winner >= 0);
+    EXPECT_EQ(table.resets, c.searches);
+    EXPECT_EQ(table.saves > 0 ? table.Best() : -1, c.winner);
+  }
 }
 
 TEST_F(DefaultKeyTest, ProductListsIgnoreBlanksAndCase) {
@@ -260,52 +250,26 @@ TEST_F(DefaultKeyTest, SeriesParamsTakeTheProductAndAnOpenExchange) {
   EXPECT_EQ(fields(8), std::tuple(8, 1, "ES", -1, 2, 4));
 }
 
-TEST_F(DefaultKeyTest, MarketCacheKeepsUnknownExchangesToo) {
-  EXPECT_EQ(Key::GetMarketIdFromExch(3), 6);
-  EXPECT_EQ(Key::GetMarketIdFromExch(50), -1);
-  EXPECT_EQ(Key::s_mapExchId2MktId().at(50), -1);
-  EXPECT_EQ(Key::s_mapExchId2MktId().at(3), 6);
-}
-
+// Tables that do not load, each with the exact message that names its
+// fault (testdata/bad-tables.txt: a table, then its message).
 TEST(DefaultsTableTest, BadInputNamesTheEntryAndField) {
-  const struct {
-    const char* json;
-    const char* error;
-  } cases[] = {
-      {R"({"entries":[{},{"broker":70000}]})",
-       "entry 1: field \"broker\": expected an integer from 0 to 65535"},
-      {R"({"entries":[{"gateway":7}]})",
-       "entry 0: field \"gateway\": expected a string"},
-      {R"({"entries":[{"market":"Nowhere"}]})",
-       "entry 0: field \"market\": unknown market \"Nowhere\""},
-      {R"({"entries":[{"productType":"FUTURES"}]})",
-       "entry 0: field \"productType\": unknown product type \"FUTURES\""},
-      {R"({"entries":[{"fallback":1}]})",
-       "entry 0: field \"fallback\": expected true or false"},
-      {R"({"entries":[{"colour":"red"}]})",
-       "entry 0: field \"colour\": unknown field"},
-      {R"({"entries":[3]})", "entry 0: expected an object"},
-      {R"({"rows":[]})", "unknown field \"rows\""},
-      {R"([])", "expected an object with an \"entries\" array"},
-  };
-  for (const auto& c : cases) {
-    SCOPED_TRACE(c.json);
-    EXPECT_EQ(nv_ns::ParseDefaultsTable(c.json).status().message(), c.error);
+  const std::vector<std::string> lines = nvshared::testing::ReadTestDataLines(
+      "nvshared/defaults/testdata/bad-tables.txt");
+  ASSERT_EQ(lines.size(), 18u);
+  for (std::size_t i = 0; i < lines.size(); i += 2) {
+    SCOPED_TRACE(lines[i]);
+    EXPECT_EQ(nv_ns::ParseDefaultsTable(lines[i]).status().message(),
+              lines[i + 1]);
   }
   const auto broken = nv_ns::ParseDefaultsTable("{\"entries\":[");
   EXPECT_EQ(broken.status().message().rfind("not valid JSON: ", 0), 0u);
 }
 
 TEST_F(DefaultKeyTest, BundledTableShowsTheECBOTCase) {
-  const auto text = nvshared::os::ReadWholeFile(NVSHARED_SOURCE_DIR
-                                                "/data/sample-defaults.json");
-  ASSERT_TRUE(text.ok());
-  auto parsed = nv_ns::ParseDefaultsTable(*text);
+  auto parsed = nv_ns::ParseDefaultsTable(
+      nvshared::testing::ReadTestData("data/sample-defaults.json"));
   ASSERT_TRUE(parsed.ok()) << parsed.status().message();
   ASSERT_EQ(parsed->size(), 6u);
-  EXPECT_FALSE((*parsed)[0].wildMarketId);
-  EXPECT_EQ((*parsed)[0].marketId, 6);
-  EXPECT_TRUE((*parsed)[5].wildGateway);
   // eCBOT-A takes the market-200 entry, plain CBOT its own; for ES the
   // fallback gives way.
   const CDefaultKey ecbot("", 0, nv_ns::MarketType::DV_INVALID_MARKET_ID,

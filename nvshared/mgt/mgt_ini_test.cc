@@ -14,10 +14,13 @@
 #include "nvshared/platform/utils/registry_mgr.h"
 #include "nvshared/testing/reference_fixture.h"
 #include "nvshared/testing/temp_dir.h"
+#include "nvshared/testing/test_data.h"
 
 namespace nv_ns {
 namespace {
 
+using nvshared::testing::ReadTestData;
+using nvshared::testing::ReadTestDataLines;
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
 
@@ -25,12 +28,6 @@ constexpr int kCbotA = 2, kECbotA = 3, kEcbot = 4, kCmeA = 7, kCmeB = 8,
               kCme = 10, kSse = 20, kAlgo = 21, kLiffe = 30;
 
 const std::string kIdentity = "Member=M\nGroup=G\nTrader=T\n";
-
-// The report of an accepted section with member M, group G, trader T.
-std::vector<std::string> Report(const std::string& section) {
-  return {"I " + section + " parameters loaded:", "I \tMember=M", "I \tGroup=G",
-          "I \tTrader=T", "I \tPrimary=No"};
-}
 
 // Loaders over files the test writes, with every log line kept as "I " or
 // "E " and the text without its prefix.
@@ -79,90 +76,12 @@ class MgtIniTest : public ::testing::Test {
   MgtINI mgt_;
 };
 
-// One file with a fault in every section but a few: each section is judged
-// on its own, in file order.
+// A file with a fault in every section but a few, each section judged on its
+// own in file order, and the exact log it gives (both commented in testdata/).
 TEST_F(MgtIniTest, SectionFaultsAndReports) {
-  const std::string file =
-      "[market-]\n" + kIdentity + "[market-Unknown]\n" + kIdentity + "[gw-]\n" +
-      kIdentity + "[gw-Nowhere]\n" + kIdentity +
-      // The longest values accepted and every optional key; empty
-      // subscription names are skipped and every name keeps its ", ".
-      "[gw-CME-A]\nMember=12345678901\nGroup=ABC\nTrader=ABCDEFGHIJK\n"
-      "Primary=y\nTraderIdType=username\nMandatory_Server=10.1.2.3\n"
-      "Price_Subscription_Gateway=CME-A,,CME-B CME\n"
-      "[gw-CME-B]\nMember=123456789012\nGroup=G\nTrader=T\n"
-      "[market-CME]\nMember=M\nGroup=ABCD\nTrader=T\n"
-      "[gw-CME]\nMember=M\nGroup=G\nTrader=ABCDEFGHIJKL\n"
-      "[gw-CBOT]\nGroup=G\nTrader=T\n"
-      "[gw-CBOT-A]\n" +
-      kIdentity + "TraderIdType=Admin\n[gw-eCBOT-A]\n" + kIdentity +
-      "Primary=Yes\n[gw-FIX-A]\n" + kIdentity +
-      "Preferred_Server=1.2.3.4\nMandatory_Server=1.2.3.5\n"
-      "[market-NYSE_Liffe]\n" +
-      kIdentity + "Preferred_Server=10.1.2.3\n[gw-LIFFE]\n" + kIdentity +
-      "Price_Subscription_Gateway=CME-B,Nope\n[market-CBOT]\n" + kIdentity +
-      "Price_Subscription_Gateway=CME-B,Nope\n[general]\n" + kIdentity +
-      // Duplicates are counted by exact name: both spellings of ALGO-1 are
-      // parsed, and both read the first section.
-      "[gw-SSE-1]\n" + kIdentity + "[gw-SSE-1]\n[gw-SSE-1]\n[GW-ALGO-1]\n" +
-      kIdentity + "[gw-ALGO-1]\nMember=X\n";
-  auto failed = [](const std::string& gateway) {
-    return "E  Gateway MGT can not be succesfully parsed for Gateway \"" +
-           gateway + "\"";
-  };
-  const std::string dup =
-      "E All instances of section \"gw-SSE-1\" will be ignored because there "
-      "are duplicates.";
-  std::vector<std::string> log = {
-      dup,
-      dup,
-      "E  Market Section Value can not be succesfully parsed from \"market-\"",
-      "E  Market Type \"Unknown\" can not be succesfully parsed",
-      "E  Gateway Section Value can not be succesfully parsed from \"gw-\"",
-      "E  Exchange ID can not be succesfully parsed from Gateway \"Nowhere\"",
-      "I Gateway [CME-A] parameters loaded:",
-      "I \tMember=12345678901",
-      "I \tGroup=ABC",
-      "I \tTrader=ABCDEFGHIJK",
-      "I \tPrimary=Yes",
-      "I \tMandatory_Server=10.1.2.3",
-      "I \tPrice_Subscription_Gateway=CME-A, CME-B, CME, ",
-      "I \tTraderIdType=Username",
-      "E Value for Member \"123456789012\" in section \"gw-CME-B\" is too "
-      "long.",
-      failed("CME-B"),
-      "E Value for Group \"ABCD\" in section \"market-CME\" is too long.",
-      "E  Market MGT can not be succesfully parsed for Market \"CME\"",
-      "E Value for Trader \"ABCDEFGHIJKL\" in section \"gw-CME\" is too long.",
-      failed("CME"),
-      failed("CBOT"),
-      "E Value for TraderIdType \"Admin\" in section \"gw-CBOT-A\" cannot be "
-      "parsed.",
-      failed("CBOT-A"),
-      "E Value for \"Primary\" (Yes) in section \"gw-eCBOT-A\" must be only "
-      "one character long.",
-      failed("eCBOT-A"),
-      "E  Preferred_Server and Mandatory_Server settings cannot be used "
-      "together, please remove one of them from the \"gw-FIX-A\" definition. "
-      "Gateway is not enabled due to parsing failure.",
-      failed("FIX-A")};
-  auto add = [&log](std::vector<std::string> lines) {
-    log.insert(log.end(), lines.begin(), lines.end());
-  };
-  add(Report("Market [NYSE_Liffe]"));
-  add({"I \tPreferred_Server=10.1.2.3",
-       "E  Preferred_Server setting cannot be set on the market level, please "
-       "remove it from the market \"NYSE_Liffe\" definition. Market is not "
-       "enabled due to parsing failure."});
-  add(Report("Gateway [LIFFE]"));
-  add(
-      {"E  MPF Gateway setting can not be succesfully parsed for Gateway "
-       "\"LIFFE\""});
-  add(Report("Market [CBOT]"));  // a market ignores unknown subscriptions
-  add(Report("Gateway [ALGO-1]"));
-  add(Report("Gateway [ALGO-1]"));
-  EXPECT_TRUE(Load(file));
-  EXPECT_THAT(Lines(), ElementsAreArray(log));
+  EXPECT_TRUE(Load(ReadTestData("nvshared/mgt/testdata/sections.mgt")));
+  EXPECT_THAT(Lines(), ElementsAreArray(ReadTestDataLines(
+                           "nvshared/mgt/testdata/sections.log")));
   EXPECT_THAT(GatewayIds(),
               ElementsAre(std::pair(true, kCmeA), std::pair(false, kAlgo),
                           std::pair(false, kAlgo)));

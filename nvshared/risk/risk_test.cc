@@ -17,7 +17,7 @@ using nv_ns::RiskProductTypes;
 using nv_ns::TraderInfo;
 using nv_ns::UserInfo;
 
-TEST(MGTInfoTest, KeyIsThePartsRunTogether) {
+TEST(MGTInfoTest, KeyIsThePartsRunTogetherAndGatewaysFollowTheObject) {
   MGTInfo mgt("M1", "G1", "T1");
   EXPECT_STREQ(mgt.GetTraderId(), "M1G1T1");
   EXPECT_STREQ(mgt.GetMGTMemberId(), "M1");
@@ -35,10 +35,8 @@ TEST(MGTInfoTest, KeyIsThePartsRunTogether) {
   EXPECT_STREQ(MGTInfo("123456789012", "1234", "ABCDEFGHIJKL").GetTraderId(),
                "12345678901123ABCDEFGHIJK");
   EXPECT_STREQ(MGTInfo(nullptr, "G", nullptr).GetTraderId(), "G");
-}
 
-TEST(MGTInfoTest, GatewaysSurviveSetButNotClear) {
-  MGTInfo mgt("M1", "G1", "T1");
+  // Gateways survive Set but not Clear.
   mgt.AddAssignedGateway(3);
   mgt.Set("M2", "G2", "T2");
   EXPECT_TRUE(mgt.IsAssignedGateway(3));
@@ -137,9 +135,8 @@ TEST(RiskProductTypeTest, MappingsAndNames) {
                          "ENERGY",  "BOND",      "FOREX",  "STOCK",  "SWAP",
                          "WARRANT", "NDFORWARD", "INVALID"};
   for (int i = -1; i <= 11; ++i) {
-    EXPECT_STREQ(
-        nv_ns::GetRiskProductTypeName(static_cast<RiskProductTypes::Enum>(i)),
-        names[i + 1]);
+    const auto type = static_cast<RiskProductTypes::Enum>(i);
+    EXPECT_STREQ(nv_ns::GetRiskProductTypeName(type), names[i + 1]);
   }
 }
 
@@ -169,18 +166,12 @@ TEST(UserInfoTest, AllowTradingTable) {
         c.result == R::NoBrokerEntry ? R::BrokerEntry : R::NoBrokerEntry;
     EXPECT_EQ(user.AllowTrading(c.broker, result), c.allowed);
     EXPECT_EQ(result, c.result);
+    user.m_userNumber = 5;
+    user.m_userName = "u";
+    user.clear();  // back to the defaults
+    EXPECT_EQ(user.m_userName + std::to_string(user.m_userNumber), "-1");
+    EXPECT_TRUE(user.m_brokerTrading.empty() && !user.m_allowTrading);
   }
-}
-
-TEST(UserInfoTest, ClearRestoresTheDefaults) {
-  UserInfo user;
-  user.m_userNumber = 5;
-  user.m_userName = "u";
-  user.m_brokerTrading[1] = true;
-  user.clear();
-  EXPECT_EQ(user.m_userNumber, -1);
-  EXPECT_TRUE(user.m_userName.empty());
-  EXPECT_TRUE(user.m_brokerTrading.empty());
 }
 
 }  // namespace

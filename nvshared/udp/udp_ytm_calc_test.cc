@@ -111,18 +111,6 @@ TEST(CUDPYTMCalcTest, FirstCouponMustLieOnTheCalendarFromMaturity) {
   }
 }
 
-// A regular semi-annual bond under Actual/Actual whose settlement falls on
-// a coupon date: nothing has accrued, and the next coupon is a whole period
-// away.
-TEST(CUDPYTMCalcTest, SettlementOnACouponDateCountsAsAfterIt) {
-  CUDPYTMCalc calc;
-  ASSERT_TRUE(calc.Initialize(BondTerms::Make(20240315, 20290315).Params()));
-  EXPECT_STREQ(calc.GetShapeName(), "regular");
-  EXPECT_EQ(calc.GetAccrued(), 0.0);
-  EXPECT_EQ(calc.GetFraction(), 1.0);
-  EXPECT_EQ(calc.GetPeriods(), 10);
-}
-
 // The stepping rules seen through the accrued interest of a bond maturing on
 // 30 April, settled 15 November 2024 (Actual/Actual, coupon 6, C = 3).
 TEST(CUDPYTMCalcTest, EndOfMonthFlagMovesThePreviousCoupon) {

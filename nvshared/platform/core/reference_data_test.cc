@@ -7,35 +7,17 @@
 
 #include "nvshared/platform/core/consumer.h"
 #include "nvshared/testing/temp_dir.h"
+#include "nvshared/testing/test_data.h"
 
 namespace dv_core_ns {
 namespace {
 
-// A small document that the cases below break one field at a time.
-constexpr const char* kGood = R"({
-  "exchangeIdCount": 50,
-  "exchanges": [
-    {"id": 7, "name": "CME-A", "market": "CME", "alias": "Globex"},
-    {"id": 10, "name": "CME", "market": 7}
-  ],
-  "products": [
-    {"exchange": 7, "type": "FUTURE", "name": "ES", "currency": "USD",
-     "priceTable": true, "priceDecimals": 2, "agile": {"1038": "10"}},
-    {"exchange": 7, "type": 2, "name": "ES"}
-  ],
-  "series": [
-    {"exchange": 7, "key": "ESH4-ESM4", "product": "ES", "type": "SPREAD",
-     "expiry": "2014-03", "combCode": 516,
-     "legs": [{"series": "ESH4", "ratio": 1},
-              {"exchange": 7, "series": "ESM4", "ratio": -1,
-               "agile": {"1003": "x"}}]},
-    {"exchange": 7, "key": "ESH4", "product": "ES", "type": "FUTURE",
-     "expiry": "2014-03", "contractExpiry": "2014-03-21",
-     "seriesName": "", "attributes": "a,R"},
-    {"exchange": 7, "key": "ESM4", "product": "ES", "type": "FUTURE",
-     "expiry": "2014-06"}
-  ]
-})";
+// A small document (testdata/small-refdata.json) that the cases below break
+// one field at a time.
+std::string Good() {
+  return nvshared::testing::ReadTestData(
+      "nvshared/platform/core/testdata/small-refdata.json");
+}
 
 std::string Replace(std::string text, const std::string& from,
                     const std::string& to) {
@@ -45,7 +27,7 @@ std::string Replace(std::string text, const std::string& from,
 }
 
 TEST(ReferenceDataJsonTest, ReadsEveryField) {
-  auto parsed = ReferenceData::ParseJson(kGood);
+  auto parsed = ReferenceData::ParseJson(Good());
   ASSERT_TRUE(parsed.ok()) << parsed.status().message();
   const ReferenceData& d = **parsed;
   EXPECT_EQ(d.ExchangeIdCount(), 50);
@@ -79,91 +61,29 @@ TEST(ReferenceDataJsonTest, ReadsEveryField) {
   EXPECT_EQ(d.FindSeriesByKey("ESM4").size(), 1u);
 }
 
+// The cases of testdata/broken-refdata.txt, each a change to the good
+// document and the exact message it gives.
 TEST(ReferenceDataJsonTest, ErrorsNameTheOffendingItem) {
-  const std::string good = kGood;
-  struct Case {
-    std::string json;
-    std::string message;
-  };
-  const Case cases[] = {
-      {"{", "not valid JSON: "},
-      {"[]", "reference data: must be an object"},
-      {Replace(good, "\"exchangeIdCount\"", "\"exchangeCount\""),
-       "reference data: unknown field \"exchangeCount\""},
-      {Replace(good, "\"exchangeIdCount\": 50", "\"exchangeIdCount\": 10"),
-       "exchangeIdCount 10 does not cover exchange id 10"},
-      {Replace(good, "\"alias\": \"Globex\"", "\"nick\": \"Globex\""),
-       "exchanges[0] (CME-A): unknown field \"nick\""},
-      {Replace(good, "\"id\": 10", "\"id\": 7"),
-       "exchanges[1] (CME): exchange 7: duplicate exchange id"},
-      {Replace(good, "\"name\": \"CME\", \"market\": 7",
-               "\"name\": \"CME-A\", \"market\": 7"),
-       "exchanges[1] (CME-A): exchange 10: duplicate exchange name \"CME-A\" "
-       "(also exchange 7)"},
-      {Replace(good, "\"market\": \"CME\"", "\"market\": \"CMX\""),
-       "exchanges[0] (CME-A): unknown market \"CMX\""},
-      {Replace(good, "\"market\": 7", "\"market\": 105"),
-       "exchanges[1] (CME): field \"market\" must be from 0 to 104"},
-      {Replace(good, "\"id\": 10,", ""),
-       "exchanges[1] (CME): missing field \"id\""},
-      {Replace(good, "{\"exchange\": 7, \"type\": 2,",
-               "{\"exchange\": 9, \"type\": 2,"),
-       "product 9/SPREAD/ES: unknown exchange 9"},
-      {Replace(good, "\"type\": 2, \"name\": \"ES\"",
-               "\"type\": \"FUTURE\", \"name\": \"ES\""),
-       "products[1] (ES): product 7/FUTURE/ES: duplicate product"},
-      {Replace(good, "\"type\": 2,", "\"type\": \"FUTURES\","),
-       "products[1] (ES): unknown product type \"FUTURES\""},
-      {Replace(good, "\"type\": 2,", "\"type\": 9,"),
-       "products[1] (ES): unknown product type 9"},
-      {Replace(good, "\"priceDecimals\": 2", "\"priceDecimals\": 12"),
-       "products[0] (ES): field \"priceDecimals\" must be from 0 to 9"},
-      {Replace(good, "{\"1038\": \"10\"}", "{\"x\": \"10\"}"),
-       "products[0] (ES): agile tag \"x\" must be a 16-bit number"},
-      {Replace(good, "{\"1038\": \"10\"}", "{\"1038\": 10}"),
-       "products[0] (ES): field \"agile 1038\" must be a string"},
-      {Replace(good, "\"name\": \"ES\", \"currency\"",
-               "\"name\": \"" + std::string(40, 'N') + "\", \"currency\""),
-       "products[0] (" + std::string(40, 'N') +
-           "): the name is longer than 31 characters"},
-      {Replace(good, "\"expiry\": \"2014-06\"", "\"expiry\": \"2014-13\""),
-       "series[2] (ESM4): field \"expiry\" must be a date \"YYYY-MM\" or "
-       "\"YYYY-MM-DD\", not \"2014-13\""},
-      {Replace(good, "\"contractExpiry\": \"2014-03-21\"",
-               "\"contractExpiry\": \"2014-3-21\""),
-       "series[1] (ESH4): field \"contractExpiry\" must be a date \"YYYY-MM\" "
-       "or \"YYYY-MM-DD\", not \"2014-3-21\""},
-      {Replace(good, "\"expiry\": \"2014-06\"",
-               "\"expiry\": \"2014-06\", \"callPut\": \"Q\""),
-       "series[2] (ESM4): field \"callPut\" must be C, P, M or X"},
-      {Replace(good, "\"series\": \"ESH4\", \"ratio\": 1",
-               "\"series\": \"ESH9\", \"ratio\": 1"),
-       "series 7/ESH4-ESM4: leg 1 refers to unknown series 7/ESH9"},
-      {Replace(good, "\"series\": \"ESH4\", \"ratio\": 1",
-               "\"series\": \"ESH4\""),
-       "series[0] (ESH4-ESM4) leg 1: missing field \"ratio\""},
-      {Replace(good, "\"key\": \"ESM4\", \"product\": \"ES\"",
-               "\"key\": \"ESH4\", \"product\": \"ES\""),
-       "series[2] (ESH4): series 7/ESH4: duplicate series"},
-      {Replace(good, "\"key\": \"ESM4\", \"product\": \"ES\"",
-               "\"key\": \"ESM4\", \"product\": \"NQ\""),
-       "series 7/ESM4: product 7/FUTURE/NQ is not defined"},
-      {Replace(good, "\"attributes\": \"a,R\"",
-               "\"attributes\": \"a,R\", \"legs\": []"),
-       "series[1] (ESH4): series 7/ESH4: only a SPREAD or STRATEGY series can "
-       "have legs"},
-  };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.message);
-    auto parsed = ReferenceData::ParseJson(c.json);
-    ASSERT_FALSE(parsed.ok());
-    if (c.message.rfind("not valid JSON: ", 0) == 0) {
-      EXPECT_EQ(parsed.status().message().rfind(c.message, 0), 0u)
-          << parsed.status().message();
-    } else {
-      EXPECT_EQ(parsed.status().message(), c.message);
+  std::string from, json;
+  int cases = 0;
+  for (const std::string& line : nvshared::testing::ReadTestDataLines(
+           "nvshared/platform/core/testdata/broken-refdata.txt")) {
+    const std::string text = line.size() > 2 ? line.substr(2) : "";
+    if (line.starts_with("-")) {
+      from = text;
+    } else if (line.starts_with("+")) {
+      json = from.empty() ? text : Replace(Good(), from, text);
+      from.clear();
+    } else if (line.starts_with("=")) {
+      SCOPED_TRACE(text);
+      ++cases;
+      EXPECT_EQ(ReferenceData::ParseJson(json).status().message(), text);
     }
   }
+  EXPECT_EQ(cases, 25);
+  EXPECT_EQ(ReferenceData::ParseJson("{").status().message().rfind(
+                "not valid JSON: ", 0),
+            0u);
 }
 
 TEST(ReferenceDataJsonTest, AFailedLoadKeepsTheCurrentStore) {
@@ -192,10 +112,9 @@ TEST(ReferenceDataJsonTest, AFailedLoadKeepsTheCurrentStore) {
 }
 
 TEST(ReferenceDataJsonTest, TheBundledSampleLoads) {
-  const std::string path =
-      std::string(NVSHARED_SOURCE_DIR) + "/data/sample-refdata.json";
-  const std::string text = nvshared::testing::ReadFile(path);
-  ASSERT_FALSE(text.empty()) << path;
+  const std::string text =
+      nvshared::testing::ReadTestData("data/sample-refdata.json");
+  ASSERT_FALSE(text.empty());
   auto parsed = ReferenceData::ParseJson(text);
   ASSERT_TRUE(parsed.ok()) << parsed.status().message();
   const ReferenceData& d = **parsed;

@@ -44,22 +44,13 @@ TEST(FormatLogLine, WritesEachFieldInItsPlace) {
 TEST(Logger, PassesSeverityCodeAndTextThroughUnchanged) {
   auto sink = std::make_shared<MemorySink>();
   Logger logger(sink);
-  const std::pair<int, unsigned int> cases[] = {
-      {-1, 7}, {0, 0}, {2, 2011}, {3, 3000}, {INT_MIN, UINT_MAX}};
-  for (const auto& [severity, code] : cases) {
-    logger.Log("text", LogSeverity{severity}, code);
-  }
-  logger.Log(nullptr, LogSeverity{0}, 5);
-
+  logger.Log("text", LogSeverity{INT_MIN}, UINT_MAX);
+  logger.Log(nullptr, LogSeverity{3}, 0);  // no text: an empty one
   const std::vector<LogRecord> records = sink->Records();
-  ASSERT_EQ(records.size(), std::size(cases) + 1);
-  for (std::size_t i = 0; i < std::size(cases); ++i) {
-    SCOPED_TRACE(i);
-    EXPECT_EQ(static_cast<int>(records[i].severity), cases[i].first);
-    EXPECT_EQ(records[i].code, cases[i].second);
-    EXPECT_EQ(records[i].text, "text");
-  }
-  EXPECT_EQ(records.back().text, "");
+  ASSERT_EQ(records.size(), 2u);
+  EXPECT_EQ(static_cast<int>(records[0].severity), INT_MIN);
+  EXPECT_EQ(records[0].code, UINT_MAX);
+  EXPECT_EQ(records[0].text + "|" + records[1].text, "text|");
 }
 
 TEST(Logger, SetSinkReturnsThePreviousAndNullDiscards) {

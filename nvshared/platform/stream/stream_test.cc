@@ -10,25 +10,16 @@
 #include "nvshared/platform/stream/stream_exceptions.h"
 #include "nvshared/platform/stream/streamable.h"
 #include "nvshared/testing/hex_bytes.h"
+#include "nvshared/testing/message_of.h"
 
 namespace dv_stream_ns {
 namespace {
 
 using nvshared::testing::HexBytes;
+using nvshared::testing::MessageOf;
 
 std::string Written(const FastStreamBuffer& buffer) {
   return std::string(buffer.data(), buffer.write_position());
-}
-
-// The text of the E that `f` throws, or a note that it threw nothing.
-template <class E, class F>
-std::string ThrownText(F&& f) {
-  try {
-    f();
-  } catch (const E& e) {
-    return e.what();
-  }
-  return "<nothing thrown>";
 }
 
 TEST(Stream, ScalarsAndStringsInMemoryOrderWithNoTags) {
@@ -124,7 +115,7 @@ TEST(Stream, ReadsPastTheEndFailWithTheirTextsAndConsumeNothing) {
     Stream in(&view);
     int i = 7;
     std::string s = "kept";
-    EXPECT_EQ(ThrownText<StreamUnderflow>([&] {
+    EXPECT_EQ(MessageOf<StreamUnderflow>([&] {
                 if (c.text == scalar) {
                   in.Read("i", i);
                 } else {
@@ -164,7 +155,7 @@ TEST(Stream, PendingStartTagsAreWrittenAndCheckedOnceEachWay) {
   FastStreamBuffer view(vib.data(), vib.size());
   Stream bad(&view);
   bad.PendReadStartTag();
-  EXPECT_EQ(ThrownText<StreamUnderflow>([&] { bad.Read("i", one); }),
+  EXPECT_EQ(MessageOf<StreamUnderflow>([&] { bad.Read("i", one); }),
             "VIA TAG is missing");
   EXPECT_EQ(view.read_position(), 0u);
 
@@ -172,7 +163,7 @@ TEST(Stream, PendingStartTagsAreWrittenAndCheckedOnceEachWay) {
   FastStreamBuffer full(store, sizeof store, 0, false);
   Stream tight(&full);
   tight.PendWriteStartTag();
-  EXPECT_EQ(ThrownText<StreamOverflow>([&] { tight.Write("i", one); }),
+  EXPECT_EQ(MessageOf<StreamOverflow>([&] { tight.Write("i", one); }),
             "FastStreamBuffer::Write failed while writing flags");
 }
 
@@ -217,7 +208,7 @@ TEST(Stream, WithoutABufferEveryMemberGoesToTheProtocolByName) {
   EXPECT_EQ(std::to_string(i) + s, "42read");
 
   Stream neither;
-  EXPECT_EQ(ThrownText<StreamExceptionBase>([&] { neither.Write("i", i); }),
+  EXPECT_EQ(MessageOf<StreamExceptionBase>([&] { neither.Write("i", i); }),
             "Stream has neither a FastStreamBuffer nor a Protocol");
 }
 
@@ -233,7 +224,7 @@ TEST(Streamable, BaseTransfersNothingAndHasNoFasterWireForm) {
   // The base never touches the wire stream, which has no type of its own.
   alignas(8) char storage[8];
   auto& wire = *reinterpret_cast<FasterWireStreamBase*>(storage);
-  EXPECT_EQ(ThrownText<StreamExceptionBase>([&] { base.Extract(wire); }),
+  EXPECT_EQ(MessageOf<StreamExceptionBase>([&] { base.Extract(wire); }),
             "Streamable has no faster wire form");
 }
 

@@ -2,7 +2,6 @@
 
 #include <atomic>
 #include <functional>
-#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -11,11 +10,12 @@
 
 #include <gtest/gtest.h>
 
-#include "nvshared/platform/log/logger.h"
-#include "nvshared/platform/log/memory_sink.h"
+#include "nvshared/testing/report_capture.h"
 
 namespace nv_ns {
 namespace {
+
+using nvshared::testing::ReportCapture;
 
 // Records what it hears into a shared journal, after running `action`.
 class RecordingHandler : public ExceptionHandler {
@@ -33,40 +33,18 @@ class RecordingHandler : public ExceptionHandler {
   std::string name_;
 };
 
-// Puts the chain back as it was.
-class ChainRestorer {
- public:
-  ChainRestorer() : saved_(ExceptionHandler::Handlers()) {}
-  ~ChainRestorer() {
-    for (ExceptionHandler* h : ExceptionHandler::Handlers()) {
-      ExceptionHandler::RemoveExceptionHandler(*h);
-    }
-    for (ExceptionHandler* h : saved_)
-      ExceptionHandler::AddExceptionHandler(*h);
-  }
-
- private:
-  std::vector<ExceptionHandler*> saved_;
-};
-
 TEST(ExceptionHandler, DefaultHandlerIsRegisteredAndLogs) {
-  auto log = std::make_shared<dv_log::MemorySink>();
-  auto savedSink = dv_log::GetCustomLog()->SetSink(log);
+  ReportCapture capture;
   EXPECT_EQ(
       ExceptionHandler::Handlers(),
       std::vector<ExceptionHandler*>{&ExceptionHandler::s_defaultHandler});
   ExceptionHandler::Raise(42, "access violation");
-  dv_log::GetCustomLog()->SetSink(savedSink);
-
-  const auto records = log->Records();
-  ASSERT_EQ(records.size(), 1u);
-  EXPECT_EQ(records[0].text, "access violation");
-  EXPECT_EQ(static_cast<int>(records[0].severity), -1);
-  EXPECT_EQ(records[0].code, 42u);
+  EXPECT_EQ(capture.Logged(),
+            std::vector<std::string>{"access violation|-1|42"});
 }
 
 TEST(ExceptionHandler, RaiseReachesEachRegisteredHandlerOnceInOrder) {
-  ChainRestorer restorer;
+  ReportCapture restorer;  // puts the chain back as it was
   ExceptionHandler::RemoveExceptionHandler(ExceptionHandler::s_defaultHandler);
   std::vector<std::string> journal;
   RecordingHandler first(journal, "first"), removed(journal, "removed"),
@@ -96,7 +74,7 @@ class Counting : public ExceptionHandler {
 // Reports raised on several threads while another registers and removes a
 // handler: a handler registered throughout hears every report once.
 TEST(ExceptionHandlerConcurrency, RaiseWhileRegistering) {
-  ChainRestorer restorer;
+  ReportCapture restorer;  // puts the chain back as it was
   ExceptionHandler::RemoveExceptionHandler(ExceptionHandler::s_defaultHandler);
   Counting steady, coming;
   ExceptionHandler::AddExceptionHandler(steady);
@@ -132,7 +110,7 @@ TEST(ExceptionHandlerConcurrency, RemovedHandlerMayBeDeletedAtOnce) {
       if (removed.load()) lateCalls->fetch_add(1);
     }
   };
-  ChainRestorer restorer;
+  ReportCapture restorer;  // puts the chain back as it was
   ExceptionHandler::RemoveExceptionHandler(ExceptionHandler::s_defaultHandler);
   std::atomic<bool> done{false};
   std::atomic<int> lateCalls{0};
@@ -156,7 +134,7 @@ TEST(ExceptionHandlerConcurrency, RemovedHandlerMayBeDeletedAtOnce) {
 }
 
 TEST(ExceptionHandler, HandlerMayRemoveItselfWhileRunning) {
-  ChainRestorer restorer;
+  ReportCapture restorer;  // puts the chain back as it was
   ExceptionHandler::RemoveExceptionHandler(ExceptionHandler::s_defaultHandler);
   std::vector<std::string> journal;
   RecordingHandler self(journal, "self");
