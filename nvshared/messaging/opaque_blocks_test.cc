@@ -60,7 +60,8 @@ TEST(OpaqueBlocksTest, GoldenBytesBothWays) {
       Check<DisconnectMessageBlock>(),
       Check<StringMessageBlock>(),
       Check<CancelSubscriptionMessageBlock>(),
-      Check<ServerInstanceIDResponseBlock>()};
+      Check<ServerInstanceIDResponseBlock>(),
+      Check<ImpersonationDataStreamableList>()};
   std::set<std::string> seen;
   for (const auto& row : nvshared::testing::ReadTestTable(
            "nvshared/messaging/testdata/opaque_blocks.txt", 2)) {

@@ -83,15 +83,6 @@ struct Gate final : XStreamable {
   std::uint64_t Measure() const override { return 0; }
 };
 
-// A vector of Gate objects.
-struct Holder final : XStreamable {
-  static constexpr char kName[kNameLength] = {'H', 0, 0, 0, 0};
-  std::vector<Gate> m_gates;
-  Holder() : XStreamable(kName, 1) {}
-  void Transfer() override { TransferObjectVector("m_gates", m_gates); }
-  std::uint64_t Measure() const override { return 0; }
-};
-
 Kinds SampleKinds() {
   Kinds k;
   k.m_flag = true;
@@ -201,20 +192,6 @@ TEST(XStreamableTest, VersionGate) {
     // The writer's version, whatever the reader's own.
     EXPECT_EQ(g.GetStreamVersion(), std::uint32_t(c.bytes[3]));
   }
-}
-
-TEST(XStreamableTest, NewerElementsInAVectorAreSkippedByTheirLength) {
-  // A vector of Gate objects, the first written at version 4 (one item
-  // more), read by version 3 code.
-  Holder writer;
-  writer.m_gates = {Gate(4), Gate(3)};
-  writer.m_gates[0].m_d = 1;
-  writer.m_gates[1].m_a = 42;
-  const std::string bytes = XStreamBytes(writer);
-  Holder reader;
-  reader.ReadFrom(bytes.data(), bytes.size());
-  ASSERT_EQ(reader.m_gates.size(), 2u);
-  EXPECT_EQ(reader.m_gates[1].m_a, 42);
 }
 
 TEST(XStreamableTest, HeaderFailures) {

@@ -171,19 +171,6 @@ TEST_F(NamingTest, StrikesAndPrices) {
   }
 }
 
-TEST_F(NamingTest, LegPricedOptionAndBadDivisorInNames) {
-  Formatter().SetProductNameEnabled(true);
-  const SeriesID lp = SampleSeries(kCmeA, "ESH4 C-LP");
-  const dv_core_ns::Leg leg(boost::make_shared<const SeriesID>(lp), 1, 250000);
-  std::string out;
-  Formatter().FormatContract(leg, out, DefaultFormatContractConfig);
-  EXPECT_EQ(out, "ES Mar14@2500.00");
-  // Without a usable divisor the name simply lacks the strike.
-  EXPECT_EQ(Name(Synthetic(dv_core_ns::OPTION, 1500, 0, 0)), "ES Mar14 C");
-  // A future with a price behind the month.
-  EXPECT_EQ(Name(Synthetic(dv_core_ns::FUTURE, 9850, 1, 0)), "ES Mar14@98.50");
-}
-
 struct MonthCase {
   int day;
   int month;
