@@ -310,6 +310,27 @@ LegList MakeList(int combCode, std::vector<Leg> legs) {
   return list;
 }
 
+// A leg list as the testdata tables write it: "516: ESH4 1, ESM4 -1 @2" is
+// combination 516 of CME-A's ESH4 at ratio 1 and ESM4 at -1 with the price
+// "2"; a key ending in "/plain" is the series moved to the plain CME.
+LegList ParseList(const std::string& text) {
+  const auto colon = text.find(':');
+  std::vector<Leg> legs;
+  std::istringstream list(text.substr(colon + 1));
+  for (std::string leg; std::getline(list, leg, ',');) {
+    std::istringstream in(leg);
+    std::string key, price;
+    int ratio = 0;
+    in >> key >> ratio >> price;
+    const bool plain = key.ends_with("/plain");
+    SeriesID series = SampleSeries(kCmeA, key.substr(0, key.find('/')));
+    if (plain) series.product.exchange = 10;
+    legs.push_back(
+        MakeLeg(series, ratio, price.empty() ? nullptr : price.c_str() + 1));
+  }
+  return MakeList(std::stoi(text.substr(0, colon)), std::move(legs));
+}
+
 std::vector<int> Ratios(const std::vector<Leg>& legs) {
   std::vector<int> ratios;
   for (const Leg& leg : legs) ratios.push_back(leg.ratio);
@@ -324,43 +345,16 @@ class LegNamingTest : public NamingTest {
   }
 };
 
-struct LegListCase {
-  const char* what;
-  LegList list;
-  bool compact;
-  bool showRatioSign;
-  const char* expected;
-};
-
 TEST_F(LegNamingTest, LegListTexts) {
-  const LegListCase cases[] = {
-      {"ratio 1 prints 1x",
-       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", 1)}), false, false,
-       "Calendar: 1xES Mar14:1xJun14"},
-      {"ratio 0 in full form",
-       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", 0)}), false, true,
-       "Calendar: 1xES Mar14:+0xJun14"},
-      {"ratio 0 in compact form",
-       MakeList(516,
-                {MakeLeg("ESH4", 1), MakeLeg("ESM4", 0), MakeLeg("ESU4", -1)}),
-       true, true, "ES H4-U4"},
-      {"compact loses the ratio text",
-       MakeList(516, {MakeLeg("ESH4", 3), MakeLeg("ESM4", 1)}), true, true,
-       "ES H4+M4"},
-      {"compact first leg of -1",
-       MakeList(516, {MakeLeg("ESH4", -1), MakeLeg("ESM4", 1)}), true, false,
-       "ES-H4 M4"},
-      {"custom market prices, one missing",
-       MakeList(552, {MakeLeg("ESH4", 1, "front"), MakeLeg("ESM4", -1)}), false,
-       true, "Custom Market: 1xES Mar14@front:-1xJun14@"},
-  };
-  for (const LegListCase& c : cases) {
+  for (const auto& row : nvshared::testing::ReadTestTable(
+           "nvshared/naming/testdata/leg_list_names.txt", 3)) {
+    SCOPED_TRACE(row.where);
     FormatContractConfig config = DefaultFormatContractConfig;
-    config.compact = c.compact;
-    config.showRatioSign = c.showRatioSign;
+    config.compact = row[1].find("compact") != std::string::npos;
+    config.showRatioSign = row[1].find("sign") != std::string::npos;
     std::string out = "stale";
-    EXPECT_TRUE(Formatter().FormatLegList(c.list, out, config)) << c.what;
-    EXPECT_EQ(out, c.expected) << c.what;
+    EXPECT_TRUE(Formatter().FormatLegList(ParseList(row[0]), out, config));
+    EXPECT_EQ(out, row[2]);
   }
 }
 
@@ -464,63 +458,22 @@ TEST_F(LegNamingTest, UnflavouredIdentities) {
   EXPECT_EQ(*list.legs[0].FindAgileData(1003), "kept");
 }
 
-struct EquivalenceCase {
-  const char* what;
-  LegList a;
-  LegList b;
-  bool relaxed;
-  bool expected;
-};
-
 TEST_F(LegNamingTest, EquivalentLegLists) {
-  SeriesID onPlain = SampleSeries(kCmeA, "ESH4");
-  onPlain.product.exchange = 10;
-  const EquivalenceCase cases[] = {
-      {"empty lists", MakeList(516, {}), MakeList(516, {}), false, true},
-      {"order does not matter",
-       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}),
-       MakeList(516, {MakeLeg("ESM4", -1), MakeLeg("ESH4", 1)}), false, true},
-      {"across flavours", MakeList(516, {MakeLeg("ESH4", 1)}),
-       MakeList(516, {MakeLeg(onPlain, 1)}), false, true},
-      {"ratio differs", MakeList(516, {MakeLeg("ESH4", 1)}),
-       MakeList(516, {MakeLeg("ESH4", 2)}), false, false},
-      {"count differs", MakeList(516, {MakeLeg("ESH4", 1)}),
-       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESH4", 1)}), false, false},
-      {"duplicates are not tracked",
-       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESH4", 1)}),
-       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", 1)}), false, true},
-      {"combo against butterfly, relaxed",
-       MakeList(508, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}),
-       MakeList(518, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}), true, true},
-      {"combo against butterfly, strict",
-       MakeList(508, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}),
-       MakeList(518, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}), false, false},
-      {"relaxed needs a loose code on one side",
-       MakeList(516, {MakeLeg("ESH4", 1)}), MakeList(518, {MakeLeg("ESH4", 1)}),
-       true, false},
-      {"custom market prices in the same order",
-       MakeList(552, {MakeLeg("ESH4", 1, "1"), MakeLeg("ESM4", -1, "2")}),
-       MakeList(552, {MakeLeg("ESH4", 1, "1"), MakeLeg("ESM4", -1, "2")}),
-       false, true},
-      // The price is compared with the b leg at the a leg's index.
-      {"custom market prices in another order",
-       MakeList(552, {MakeLeg("ESH4", 1, "1"), MakeLeg("ESM4", -1, "2")}),
-       MakeList(552, {MakeLeg("ESM4", -1, "2"), MakeLeg("ESH4", 1, "1")}),
-       false, false},
-      {"custom market price missing", MakeList(552, {MakeLeg("ESH4", 1)}),
-       MakeList(552, {MakeLeg("ESH4", 1)}), false, false},
-  };
-  for (const EquivalenceCase& c : cases) {
-    EXPECT_EQ(SeriesNameFormatter::EquivalentLegLists(c.a, c.b, c.relaxed),
-              c.expected)
-        << c.what;
+  for (const auto& row : nvshared::testing::ReadTestTable(
+           "nvshared/naming/testdata/leg_list_equivalence.txt", 4)) {
+    SCOPED_TRACE(row.where);
+    EXPECT_EQ(SeriesNameFormatter::EquivalentLegLists(
+                  ParseList(row[0]), ParseList(row[1]), row[2] == "relaxed"),
+              row[3] == "yes");
   }
   // The overloads over full lists agree.
+  const LegList a = ParseList("516: ESH4 1, ESM4 -1");
+  const LegList b = ParseList("516: ESM4 -1, ESH4 1");
   FullLegList fa, fb;
-  fa = cases[1].a;
-  fb = cases[1].b;
-  EXPECT_TRUE(SeriesNameFormatter::EquivalentLegLists(fa, cases[1].b, false));
-  EXPECT_TRUE(SeriesNameFormatter::EquivalentLegLists(cases[1].a, fb, false));
+  fa = a;
+  fb = b;
+  EXPECT_TRUE(SeriesNameFormatter::EquivalentLegLists(fa, b, false));
+  EXPECT_TRUE(SeriesNameFormatter::EquivalentLegLists(a, fb, false));
   EXPECT_TRUE(SeriesNameFormatter::EquivalentLegLists(fa, fb, false));
 }
 
