@@ -1,4 +1,3 @@
-#include <functional>
 #include <memory>
 #include <sstream>
 #include <string>
