@@ -131,11 +131,13 @@ TEST_F(RegistryTest, RefusalsReturnFalseWithTheirLine) {
     log_->Clear();
     const std::string& op = row[3];
     const char* name = row[4].c_str();
-    EXPECT_FALSE(op == "add" ? Formatter().AddCustomSeriesName(Es(), name)
-                 : op == "change"
-                     ? Formatter().ChangeCustomSeriesName(Es(), name)
-                 : row[4] == "-" ? Formatter().RemoveCustomSeriesName(Es())
-                                 : Formatter().RemoveCustomSeriesName(name));
+    const auto act = [&] {
+      if (op == "add") return Formatter().AddCustomSeriesName(Es(), name);
+      if (op == "change") return Formatter().ChangeCustomSeriesName(Es(), name);
+      if (row[4] == "-") return Formatter().RemoveCustomSeriesName(Es());
+      return Formatter().RemoveCustomSeriesName(name);
+    };
+    EXPECT_FALSE(act());
     EXPECT_EQ(Lines(), std::vector<std::string>{row[5]});
   }
   EXPECT_FALSE(Formatter().AddCustomSeriesName(Es(), nullptr));
