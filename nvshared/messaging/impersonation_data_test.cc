@@ -11,7 +11,6 @@ namespace nv_opaque_ns {
 namespace {
 
 using nvshared::testing::HexBytes;
-using nvshared::testing::ToHex;
 
 TEST(ImpersonationDataTest, CompareKeepsItsSigns) {
   using Edit = std::function<void(ImpersonationData&)>;
@@ -54,16 +53,6 @@ TEST(ImpersonationDataTest, CompareKeepsItsSigns) {
     const int result = a.Compare(b);
     EXPECT_EQ((result > 0) - (result < 0), c.expected);
   }
-}
-
-TEST(ImpersonationListTest, EmptyListIsCountAndUserName) {
-  ImpersonationDataStreamableList list;
-  list.m_userName = "ab";
-  std::string bytes(64, '\0');
-  bytes.resize(list.WriteTo(bytes.data(), bytes.size()));
-  EXPECT_EQ(ToHex(bytes),
-            ToHex(HexBytes("01 18 00 09 00 00 00 'I' 'M' 'L' 'T' 00"
-                           "| 54 04 00 00 00 00 | 53 03 00 01 'a' 'b'")));
 }
 
 TEST(ImpersonationListTest, ReadAppendsAndLaterLayersWalkTheWholeList) {

@@ -7,6 +7,7 @@
 
 #include "nvshared/testing/hex_bytes.h"
 #include "nvshared/testing/message_of.h"
+#include "nvshared/testing/test_table.h"
 #include "nvshared/testing/wire_bytes.h"
 
 namespace nv_ns {
@@ -79,15 +80,6 @@ struct Gate final : XStreamable {
     if (m_version >= 4) TransferScalar("m_d", m_d);
     m_itemsDone = GetItemNumber();
   }
-  std::uint64_t Measure() const override { return 0; }
-};
-
-// A vector of Gate objects.
-struct Holder final : XStreamable {
-  static constexpr char kName[kNameLength] = {'H', 0, 0, 0, 0};
-  std::vector<Gate> m_gates;
-  Holder() : XStreamable(kName, 1) {}
-  void Transfer() override { TransferObjectVector("m_gates", m_gates); }
   std::uint64_t Measure() const override { return 0; }
 };
 
@@ -202,20 +194,6 @@ TEST(XStreamableTest, VersionGate) {
   }
 }
 
-TEST(XStreamableTest, NewerElementsInAVectorAreSkippedByTheirLength) {
-  // A vector of Gate objects, the first written at version 4 (one item
-  // more), read by version 3 code.
-  Holder writer;
-  writer.m_gates = {Gate(4), Gate(3)};
-  writer.m_gates[0].m_d = 1;
-  writer.m_gates[1].m_a = 42;
-  const std::string bytes = XStreamBytes(writer);
-  Holder reader;
-  reader.ReadFrom(bytes.data(), bytes.size());
-  ASSERT_EQ(reader.m_gates.size(), 2u);
-  EXPECT_EQ(reader.m_gates[1].m_a, 42);
-}
-
 TEST(XStreamableTest, HeaderFailures) {
   const std::string good = kKindsBytes;
   struct Case {
@@ -257,100 +235,24 @@ TEST(XStreamableTest, HeaderFailures) {
   }
 }
 
-TEST(XStreamableTest, NameBytesAfterTheFirstNulAreIgnored) {
-  Inner in(3);
-  std::string bytes = XStreamBytes(in);
-  bytes[10] = 'm';
-  bytes[11] = 'x';
-  Inner out;
-  EXPECT_EQ(out.ReadFrom(bytes.data(), bytes.size()), 18u);
-  EXPECT_EQ(out.m_v, 3);
-}
-
-TEST(XStreamableTest, ItemFailures) {
-  struct Case {
-    const char* what;
-    std::size_t at;    // where to patch kKindsBytes
-    std::string with;  // the bytes put there
-    std::string message;
-    bool failed = true;  // whether the outer object is marked
-  };
-  const Case cases[] = {
-      {"string where a scalar is", 12, "S",
-       "Tag mismatch when processing item #0 (m_flag) in object 'KINDS'. "
-       "Expected tag 54 (T). Actual tag 53 (S). Current offset 13."},
-      {"unprintable tag", 15, "\x80",
-       "Tag mismatch when processing item #1 (m_short) in object 'KINDS'. "
-       "Expected tag 54 (T). Actual tag 80 (.). Current offset 16."},
-      {"scalar of another width", 16, "\x04",
-       "Item length mismatch when processing item #1 (m_short) in object "
-       "'KINDS'. Expected length 2. Actual length 4. Current offset 17."},
-      {"string of width 2", 32, "\x02",
-       "Item length mismatch when processing item #3 (m_text) in object "
-       "'KINDS'. Expected length 1. Actual length 2. Current offset 33."},
-      {"char array one longer than the field", 36, "\x06",
-       "Item length mismatch when processing item #4 (m_code) in object "
-       "'KINDS'. Expected length 4. Actual length 5. Current offset 39."},
-      {"int vector of width 2", 46, "\x02",
-       "Item length mismatch when processing item #5 (m_ints) in object "
-       "'KINDS'. Expected length 4. Actual length 2. Current offset 47."},
-      {"string past the object", 30, "\x7f",
-       "Buffer Underflow when processing item #3 (m_text) in object 'KINDS'. "
-       "Item needs 126 bytes. Current offset 33. Buffer length 129 bytes"},
-      {"nested length past the buffer", 68, "\x40",
-       "Buffer Underflow when processing item #9 (m_inner) in object "
-       "'KINDS'. Item needs 64 bytes. Current offset 67. Buffer length 129 "
-       "bytes"},
-      {"a count of zero", 30, std::string(1, '\0'), "string too long"},
-      // Only the object at fault is marked.
-      {"a listed object's name", 100, "X",
-       "Object name mismatch. Serialized name is 'XN'; the object name is 'IN'",
-       false},
-  };
-  for (const Case& c : cases) {
+TEST(XStreamableTest, ItemAndWriteFailures) {
+  const Kinds sample = SampleKinds();
+  for (const auto& row : nvshared::testing::ReadTestTable(
+           "nvshared/messaging/testdata/xstream_failures.txt", 5)) {
+    SCOPED_TRACE(row.where);
+    const std::size_t at = std::stoul(row[1]);
+    Kinds k = sample;
+    if (row[0] == "write") {
+      char buffer[200];
+      EXPECT_EQ(MessageOf([&] { k.WriteTo(buffer, at); }), row[4]);
+      continue;
+    }
     std::string bytes = kKindsBytes;
-    bytes.replace(c.at, c.with.size(), c.with);
-    Kinds k;
-    EXPECT_EQ(MessageOf([&] { k.ReadFrom(bytes.data(), bytes.size()); }),
-              c.message)
-        << c.what;
-    EXPECT_EQ(k.HasFailed(), c.failed) << c.what;
-  }
-}
-
-TEST(XStreamableTest, WriteFailures) {
-  Kinds k = SampleKinds();
-  char buffer[200];
-  struct Case {
-    std::size_t length;
-    std::string message;
-  };
-  const Case cases[] = {
-      {11,
-       "The Buffer length (11 bytes) is less than the header length (12 "
-       "bytes). The object name is 'KINDS'"},
-      {18,
-       "Buffer Overflow when processing item #1 (m_short) in object "
-       "'KINDS'. Item needs 4 bytes. Current offset 15. Buffer length 18 "
-       "bytes"},
-      // The string vector asks for 34 bytes whatever it holds.
-      {80,
-       "Buffer Overflow when processing item #6 (m_words) in object "
-       "'KINDS'. Item needs 34 bytes. Current offset 55. Buffer length 80 "
-       "bytes"},
-      // The second listed object with a header's room but not an item's.
-      {125,
-       "Buffer Overflow when processing item #0 (m_v) in object 'IN'. Item "
-       "needs 6 bytes. Current offset 12. Buffer length 14 bytes"},
-      // A listed object with less than a header left.
-      {119,
-       "The Buffer length (8 bytes) is less than the header length (12 "
-       "bytes). The object name is 'IN'"},
-  };
-  for (const Case& c : cases) {
-    Kinds fresh = k;
-    EXPECT_EQ(MessageOf([&] { fresh.WriteTo(buffer, c.length); }), c.message)
-        << c.length;
+    bytes.replace(at, 1, HexBytes(row[2]));
+    Kinds fresh;
+    EXPECT_EQ(MessageOf([&] { fresh.ReadFrom(bytes.data(), bytes.size()); }),
+              row[4]);
+    EXPECT_EQ(fresh.HasFailed(), row[3] == "yes");
   }
 }
 

@@ -1,5 +1,5 @@
-#include <functional>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
@@ -10,6 +10,7 @@
 #include "nvshared/naming/internal/formatter_peer.h"
 #include "nvshared/naming/series_name_formatter.h"
 #include "nvshared/testing/sample_data.h"
+#include "nvshared/testing/test_table.h"
 
 namespace nv_fmt {
 
@@ -23,14 +24,9 @@ using nvshared::testing::SampleSeries;
 
 // Exchanges of the sample data.
 constexpr int kCmeA = 7;  // CME-A (Globex), market CME
-constexpr int kEcbotA = 3;
-constexpr int kFixA = 9;
-constexpr int kLiffe = 21;
 constexpr int kLmeA = 26;
 constexpr int kIce = 32;
 constexpr int kBtec = 40;
-constexpr int kTocom = 50;
-constexpr int kLegwise = 60;
 constexpr int kNasdaq = 71;
 constexpr int kHotspot = 72;
 
@@ -60,155 +56,49 @@ class NamingTest : public ::testing::Test {
   }
 };
 
-struct NameCase {
-  int exchange;
-  const char* key;
-  const char* expected;
-};
-
-// Every shape of contract in the sample, by the default config with products
-// shown by their code.
-TEST_F(NamingTest, NamesEveryShapeWithTheDefaultConfig) {
-  Formatter().SetProductNameEnabled(true);
-  const NameCase cases[] = {
-      {kCmeA, "ESH4", "ES Mar14"},
-      {kCmeA, "ESW1H4", "ES 07Mar14"},
-      {kCmeA, "ESH4 C1850", "ES Mar14 C1850.00"},
-      {kCmeA, "EWAH4 C1850", "ES AMar14 C1850.00"},
-      // Own strike 1 with no leg strike: the letter and the strike as such.
-      {kCmeA, "ESH4 C-LP", "ES Mar14 C0.01"},
-      {kCmeA, "ESH4-ESM4", "Calendar: 1xES Mar14:-1xJun14"},
-      // Spread type 539 has no name: the legs alone.
-      {kCmeA, "ESM4-ESU4", "1xES Jun14:-1xSep14"},
-      {kCmeA, "ESU4-ESZ4", "Calendar (Contract name not available)"},
-      // Legs of different products repeat the product.
-      {kCmeA, "ES-NQ H4", "Inter-Product: 2xES Mar14:-3xNQ Mar14"},
-      // A Custom Market spread is its series name.
-      {kCmeA, "ES CM1", "ES Mar/Jun Roll"},
-      // The first leg has no sign, the later ones do.
-      {kCmeA, "ES BF H4",
-       "Butterfly: 1xES Mar14 C1850.00:-2xMar14 C1900.00:+1xMar14 C1850.00"},
-      // A future leg with a price, and a leg-priced option by its price.
-      {kCmeA, "ES COV H4", "Covered: 1xES Mar14@1850.25:-1xES Mar14@1850.00"},
-      {kEcbotA, "OZNJ4 C125", "ZN Apr14 C125.0"},
-      // The doubled minus of a negative strike, and 0.00 for strike 0.
-      {kFixA, "CLM4 P-1.5", "CL Jun14 P--1.50"},
-      {kFixA, "CLM4 C0", "CL Jun14 C0.00"},
-      {kLiffe, "LH4", "L 19Mar14"},
-      {kLiffe, "LH4-LM4", "Calendar: 1xL 19Mar14:-1x18Jun14"},
-      {kLmeA, "CA CASH", "CA 05Mar14"},
-      // ICE product without a price table: the series name.
-      {kIce, "B Q1-15", "B Jan15-Mar15"},
-      {kIce, "B F15", "B Jan15"},
-      // Bonds and stocks named like their product print the series name only.
-      {kBtec, "912828C24", "2YR"},
-      {kBtec, "912828WE6", "W_10YR"},
-      {kTocom, "JAU1502", "JAU Feb15"},
-      // A type FormatMonth does not know: the product alone.
-      {kLegwise, "LW ES H4/M4", "ES-LW"},
-      {kNasdaq, "MSFT", "MSFT"},
-      // Forex without an expiry and without series names shown: nothing.
-      {kHotspot, "EURUSD", ""},
-  };
-  for (const NameCase& c : cases) {
-    EXPECT_EQ(Name(SampleSeries(c.exchange, c.key)), c.expected) << c.key;
+// Applies one word of the name table's switches and config changes.
+void Apply(const std::string& word, FormatContractConfig& c) {
+  if (word == "products") return Formatter().SetProductNameEnabled(true);
+  if (word == "seriesNames") return Formatter().SetSeriesNameEnabled(true);
+  if (word == "lmeSeriesNames") {
+    return Formatter().SetSeriesNameEnabled(kLmeA, true);
   }
+  if (word == "compact") return void(c.compact = true);
+  if (word == "market") return void(c.showMarket = true);
+  if (word == "exchange") return void(c.showExchange = true);
+  if (word == "plain") return void(c.flavoredExchange = false);
+  if (word == "noProduct") return void(c.showProduct = false);
+  if (word == "byName") return void(c.productNameStyle = NameStyle::Name);
+  if (word == "mode1") return void(c.seriesNameMode = 1);
+  if (word == "mode2") return void(c.seriesNameMode = 2);
+  if (word == "strikeWithSeriesName")
+    return void(c.strikeWithSeriesName = true);
+  if (word == "repeatProduct") return void(c.repeatProduct = true);
+  ADD_FAILURE() << "unknown word " << word;
 }
 
-struct ConfigCase {
-  const char* what;
-  int exchange;
-  const char* key;
-  std::function<void(FormatContractConfig&)> change;
-  const char* expected;
-};
-
-TEST_F(NamingTest, ConfigFieldsShapeTheName) {
-  using C = FormatContractConfig;
-  const ConfigCase cases[] = {
-      {"compact month code", kCmeA, "ESH4", [](C& c) { c.compact = true; },
-       "E-mini S&P 500 H4"},
-      {"compact with day", kLiffe, "LH4", [](C& c) { c.compact = true; },
-       "Three Month Sterling 19H4"},
-      {"compact drops the version code", kCmeA, "EWAH4 C1850",
-       [](C& c) { c.compact = true; }, "E-mini S&P 500 Options H4 C1850.00"},
-      {"compact price without @", kCmeA, "ES COV H4",
-       [](C& c) { c.compact = true; },
-       "E-mini S&P 500 H41850.25E-mini S&P 500 Options-H41850.00"},
-      {"market lead", kCmeA, "ESH4", [](C& c) { c.showMarket = true; },
-       "CME E-mini S&P 500 Mar14"},
-      {"market wins over exchange", kCmeA, "ESH4",
-       [](C& c) { c.showMarket = c.showExchange = true; },
-       "CME E-mini S&P 500 Mar14"},
-      {"flavoured exchange lead", kCmeA, "ESH4",
-       [](C& c) { c.showExchange = true; },
-       "CME-A (Globex) E-mini S&P 500 Mar14"},
-      {"plain exchange lead", kCmeA, "ESH4",
-       [](C& c) {
-         c.showExchange = true;
-         c.flavoredExchange = false;
-       },
-       "CME-A E-mini S&P 500 Mar14"},
-      {"no product", kCmeA, "ESH4 C1850", [](C& c) { c.showProduct = false; },
-       "Mar14 C1850.00"},
-      {"product by code", kCmeA, "ESH4",
-       [](C& c) { c.productNameStyle = NameStyle::Name; }, "ES Mar14"},
-      {"product without alias", kHotspot, "EURUSD",
-       [](C& c) { c.seriesNameMode = 1; }, "EUR/USD"},
-      {"series name always", kCmeA, "ESW1H4",
-       [](C& c) { c.seriesNameMode = 1; }, "E-mini S&P 500 Week 1 Mar14"},
-      {"series name on a stock with a strike", kNasdaq, "MSFT",
-       [](C& c) { c.strikeWithSeriesName = true; }, "MSFT"},
-      // The spread's lead is always flavoured; the legs inherit the config
-      // and lead with their own exchange as it asks.
-      {"exchange lead on a spread", kCmeA, "ESH4-ESM4",
-       [](C& c) {
-         c.showExchange = true;
-         c.flavoredExchange = false;
-       },
-       "CME-A (Globex) Calendar: 1xCME-A E-mini S&P 500 Mar14:-1xCME-A Jun14"},
-      {"unknown legs lose the lead", kCmeA, "ESU4-ESZ4",
-       [](C& c) { c.showMarket = true; },
-       "Calendar (Contract name not available)"},
-      {"product on every leg", kCmeA, "ESH4-ESM4",
-       [](C& c) {
-         c.repeatProduct = true;
-         c.productNameStyle = NameStyle::Name;
-       },
-       "Calendar: 1xES Mar14:-1xES Jun14"},
-  };
-  for (const ConfigCase& c : cases) {
+TEST_F(NamingTest, GoldenNamesBySwitchesAndConfig) {
+  for (const auto& row : nvshared::testing::ReadTestTable(
+           "nvshared/naming/testdata/contract_names.txt", 4)) {
+    SCOPED_TRACE(row.where);
+    Reset();
     FormatContractConfig config = DefaultFormatContractConfig;
-    c.change(config);
-    EXPECT_EQ(Name(SampleSeries(c.exchange, c.key), config), c.expected)
-        << c.what;
+    std::istringstream words(row[2]);
+    for (std::string word; words >> word;) Apply(word, config);
+    EXPECT_EQ(Name(SampleSeries(std::stoi(row[0]), row[1]), config), row[3]);
   }
-}
-
-TEST_F(NamingTest, SeriesNameSwitches) {
-  const SeriesID& weekly = SampleSeries(kCmeA, "ESW1H4");
-  const SeriesID& cash = SampleSeries(kLmeA, "CA CASH");
-  FormatContractConfig config = DefaultFormatContractConfig;
-  config.productNameStyle = NameStyle::Name;
-
-  Formatter().SetSeriesNameEnabled(kLmeA, true);
-  EXPECT_EQ(Name(cash, config), "CA Cash");
-  EXPECT_EQ(Name(weekly, config), "ES 07Mar14");
   // A flavour and its plain exchange share the switch.
+  Formatter().SetSeriesNameEnabled(kLmeA, true);
   EXPECT_TRUE(Formatter().IsSeriesNameEnabled(25));
-
+  // The expiry alone follows the switch too, unless asked for the expiry only.
+  const SeriesID& weekly = SampleSeries(kCmeA, "ESW1H4");
   Formatter().SetSeriesNameEnabled(true);
-  EXPECT_EQ(Name(weekly, config), "ES Week 1 Mar14");
-  // Any other mode ignores the switches.
-  FormatContractConfig never = config;
-  never.seriesNameMode = 2;
-  EXPECT_EQ(Name(weekly, never), "ES 07Mar14");
-  FormatContractConfig only = config;
+  FormatContractConfig only = DefaultFormatContractConfig;
   only.expiryOnly = true;
   std::string out;
   Formatter().FormatExpiry(weekly, out, only);
   EXPECT_EQ(out, "07Mar14");
-  Formatter().FormatExpiry(weekly, out, config);
+  Formatter().FormatExpiry(weekly, out, DefaultFormatContractConfig);
   EXPECT_EQ(out, "Week 1 Mar14");
 }
 
@@ -280,19 +170,6 @@ TEST_F(NamingTest, StrikesAndPrices) {
   }
 }
 
-TEST_F(NamingTest, LegPricedOptionAndBadDivisorInNames) {
-  Formatter().SetProductNameEnabled(true);
-  const SeriesID lp = SampleSeries(kCmeA, "ESH4 C-LP");
-  const dv_core_ns::Leg leg(boost::make_shared<const SeriesID>(lp), 1, 250000);
-  std::string out;
-  Formatter().FormatContract(leg, out, DefaultFormatContractConfig);
-  EXPECT_EQ(out, "ES Mar14@2500.00");
-  // Without a usable divisor the name simply lacks the strike.
-  EXPECT_EQ(Name(Synthetic(dv_core_ns::OPTION, 1500, 0, 0)), "ES Mar14 C");
-  // A future with a price behind the month.
-  EXPECT_EQ(Name(Synthetic(dv_core_ns::FUTURE, 9850, 1, 0)), "ES Mar14@98.50");
-}
-
 struct MonthCase {
   int day;
   int month;
@@ -352,34 +229,27 @@ TEST_F(NamingTest, SpreadTypeNames) {
   }
 }
 
-TEST_F(NamingTest, CustomNamesReplaceTheName) {
+TEST_F(NamingTest, CustomNamesReplaceTheNameButNeverALegs) {
   const SeriesID& es = SampleSeries(kCmeA, "ESH4");
+  const SeriesID& calendar = SampleSeries(kCmeA, "ESH4-ESM4");
   SeriesNameFormatterPeer::AddName(es, "My Future");
   EXPECT_EQ(Name(es), "My Future");
   FormatContractConfig noCustom = DefaultFormatContractConfig;
   noCustom.useCustomName = false;
   EXPECT_EQ(Name(es, noCustom), "E-mini S&P 500 Mar14");
-  // The legs of a spread keep their own names; a named spread is its name.
+  // The legs of a spread keep their own names, in the name shown and in the
+  // default name, which leads with the market; a named spread is its name.
   Formatter().SetProductNameEnabled(true);
-  EXPECT_EQ(Name(SampleSeries(kCmeA, "ESH4-ESM4")),
-            "Calendar: 1xES Mar14:-1xJun14");
-  SeriesNameFormatterPeer::AddName(SampleSeries(kCmeA, "ESH4-ESM4"), "Roll");
-  EXPECT_EQ(Name(SampleSeries(kCmeA, "ESH4-ESM4")), "Roll");
-}
-
-TEST_F(NamingTest, DefaultNamesLeadWithTheMarket) {
-  Formatter().SetProductNameEnabled(true);
-  const SeriesID& es = SampleSeries(kCmeA, "ESH4");
-  SeriesNameFormatterPeer::AddName(es, "Mine");
-  const SeriesID& calendar = SampleSeries(kCmeA, "ESH4-ESM4");
+  EXPECT_EQ(Name(calendar), "Calendar: 1xES Mar14:-1xJun14");
   dv_core_ns::FullLegList legs;
   legs.combCode = 516;
   legs.legs.emplace_back(es, 1, 0);
   legs.legs.emplace_back(SampleSeries(kCmeA, "ESM4"), -1, 0);
-  // Legs are never named by their custom names.
   EXPECT_EQ(SeriesNameFormatterPeer::DefaultName(calendar, &legs),
             "CME Calendar: 1xES Mar14:-1xJun14");
   EXPECT_EQ(SeriesNameFormatterPeer::DefaultName(calendar, nullptr), "CME ");
+  SeriesNameFormatterPeer::AddName(calendar, "Roll");
+  EXPECT_EQ(Name(calendar), "Roll");
 }
 
 TEST_F(NamingTest, RegistryHash) {
@@ -439,6 +309,27 @@ LegList MakeList(int combCode, std::vector<Leg> legs) {
   return list;
 }
 
+// A leg list as the testdata tables write it: "516: ESH4 1, ESM4 -1 @2" is
+// combination 516 of CME-A's ESH4 at ratio 1 and ESM4 at -1 with the price
+// "2"; a key ending in "/plain" is the series moved to the plain CME.
+LegList ParseList(const std::string& text) {
+  const auto colon = text.find(':');
+  std::vector<Leg> legs;
+  std::istringstream list(text.substr(colon + 1));
+  for (std::string leg; std::getline(list, leg, ',');) {
+    std::istringstream in(leg);
+    std::string key, price;
+    int ratio = 0;
+    in >> key >> ratio >> price;
+    const bool plain = key.ends_with("/plain");
+    SeriesID series = SampleSeries(kCmeA, key.substr(0, key.find('/')));
+    if (plain) series.product.exchange = 10;
+    legs.push_back(
+        MakeLeg(series, ratio, price.empty() ? nullptr : price.c_str() + 1));
+  }
+  return MakeList(std::stoi(text.substr(0, colon)), std::move(legs));
+}
+
 std::vector<int> Ratios(const std::vector<Leg>& legs) {
   std::vector<int> ratios;
   for (const Leg& leg : legs) ratios.push_back(leg.ratio);
@@ -453,43 +344,16 @@ class LegNamingTest : public NamingTest {
   }
 };
 
-struct LegListCase {
-  const char* what;
-  LegList list;
-  bool compact;
-  bool showRatioSign;
-  const char* expected;
-};
-
 TEST_F(LegNamingTest, LegListTexts) {
-  const LegListCase cases[] = {
-      {"ratio 1 prints 1x",
-       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", 1)}), false, false,
-       "Calendar: 1xES Mar14:1xJun14"},
-      {"ratio 0 in full form",
-       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", 0)}), false, true,
-       "Calendar: 1xES Mar14:+0xJun14"},
-      {"ratio 0 in compact form",
-       MakeList(516,
-                {MakeLeg("ESH4", 1), MakeLeg("ESM4", 0), MakeLeg("ESU4", -1)}),
-       true, true, "ES H4-U4"},
-      {"compact loses the ratio text",
-       MakeList(516, {MakeLeg("ESH4", 3), MakeLeg("ESM4", 1)}), true, true,
-       "ES H4+M4"},
-      {"compact first leg of -1",
-       MakeList(516, {MakeLeg("ESH4", -1), MakeLeg("ESM4", 1)}), true, false,
-       "ES-H4 M4"},
-      {"custom market prices, one missing",
-       MakeList(552, {MakeLeg("ESH4", 1, "front"), MakeLeg("ESM4", -1)}), false,
-       true, "Custom Market: 1xES Mar14@front:-1xJun14@"},
-  };
-  for (const LegListCase& c : cases) {
+  for (const auto& row : nvshared::testing::ReadTestTable(
+           "nvshared/naming/testdata/leg_list_names.txt", 3)) {
+    SCOPED_TRACE(row.where);
     FormatContractConfig config = DefaultFormatContractConfig;
-    config.compact = c.compact;
-    config.showRatioSign = c.showRatioSign;
+    config.compact = row[1].find("compact") != std::string::npos;
+    config.showRatioSign = row[1].find("sign") != std::string::npos;
     std::string out = "stale";
-    EXPECT_TRUE(Formatter().FormatLegList(c.list, out, config)) << c.what;
-    EXPECT_EQ(out, c.expected) << c.what;
+    EXPECT_TRUE(Formatter().FormatLegList(ParseList(row[0]), out, config));
+    EXPECT_EQ(out, row[2]);
   }
 }
 
@@ -593,63 +457,22 @@ TEST_F(LegNamingTest, UnflavouredIdentities) {
   EXPECT_EQ(*list.legs[0].FindAgileData(1003), "kept");
 }
 
-struct EquivalenceCase {
-  const char* what;
-  LegList a;
-  LegList b;
-  bool relaxed;
-  bool expected;
-};
-
 TEST_F(LegNamingTest, EquivalentLegLists) {
-  SeriesID onPlain = SampleSeries(kCmeA, "ESH4");
-  onPlain.product.exchange = 10;
-  const EquivalenceCase cases[] = {
-      {"empty lists", MakeList(516, {}), MakeList(516, {}), false, true},
-      {"order does not matter",
-       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}),
-       MakeList(516, {MakeLeg("ESM4", -1), MakeLeg("ESH4", 1)}), false, true},
-      {"across flavours", MakeList(516, {MakeLeg("ESH4", 1)}),
-       MakeList(516, {MakeLeg(onPlain, 1)}), false, true},
-      {"ratio differs", MakeList(516, {MakeLeg("ESH4", 1)}),
-       MakeList(516, {MakeLeg("ESH4", 2)}), false, false},
-      {"count differs", MakeList(516, {MakeLeg("ESH4", 1)}),
-       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESH4", 1)}), false, false},
-      {"duplicates are not tracked",
-       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESH4", 1)}),
-       MakeList(516, {MakeLeg("ESH4", 1), MakeLeg("ESM4", 1)}), false, true},
-      {"combo against butterfly, relaxed",
-       MakeList(508, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}),
-       MakeList(518, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}), true, true},
-      {"combo against butterfly, strict",
-       MakeList(508, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}),
-       MakeList(518, {MakeLeg("ESH4", 1), MakeLeg("ESM4", -1)}), false, false},
-      {"relaxed needs a loose code on one side",
-       MakeList(516, {MakeLeg("ESH4", 1)}), MakeList(518, {MakeLeg("ESH4", 1)}),
-       true, false},
-      {"custom market prices in the same order",
-       MakeList(552, {MakeLeg("ESH4", 1, "1"), MakeLeg("ESM4", -1, "2")}),
-       MakeList(552, {MakeLeg("ESH4", 1, "1"), MakeLeg("ESM4", -1, "2")}),
-       false, true},
-      // The price is compared with the b leg at the a leg's index.
-      {"custom market prices in another order",
-       MakeList(552, {MakeLeg("ESH4", 1, "1"), MakeLeg("ESM4", -1, "2")}),
-       MakeList(552, {MakeLeg("ESM4", -1, "2"), MakeLeg("ESH4", 1, "1")}),
-       false, false},
-      {"custom market price missing", MakeList(552, {MakeLeg("ESH4", 1)}),
-       MakeList(552, {MakeLeg("ESH4", 1)}), false, false},
-  };
-  for (const EquivalenceCase& c : cases) {
-    EXPECT_EQ(SeriesNameFormatter::EquivalentLegLists(c.a, c.b, c.relaxed),
-              c.expected)
-        << c.what;
+  for (const auto& row : nvshared::testing::ReadTestTable(
+           "nvshared/naming/testdata/leg_list_equivalence.txt", 4)) {
+    SCOPED_TRACE(row.where);
+    EXPECT_EQ(SeriesNameFormatter::EquivalentLegLists(
+                  ParseList(row[0]), ParseList(row[1]), row[2] == "relaxed"),
+              row[3] == "yes");
   }
   // The overloads over full lists agree.
+  const LegList a = ParseList("516: ESH4 1, ESM4 -1");
+  const LegList b = ParseList("516: ESM4 -1, ESH4 1");
   FullLegList fa, fb;
-  fa = cases[1].a;
-  fb = cases[1].b;
-  EXPECT_TRUE(SeriesNameFormatter::EquivalentLegLists(fa, cases[1].b, false));
-  EXPECT_TRUE(SeriesNameFormatter::EquivalentLegLists(cases[1].a, fb, false));
+  fa = a;
+  fb = b;
+  EXPECT_TRUE(SeriesNameFormatter::EquivalentLegLists(fa, b, false));
+  EXPECT_TRUE(SeriesNameFormatter::EquivalentLegLists(a, fb, false));
   EXPECT_TRUE(SeriesNameFormatter::EquivalentLegLists(fa, fb, false));
 }
 

@@ -23,6 +23,7 @@
 #include "nvshared/testing/names_file.h"
 #include "nvshared/testing/sample_data.h"
 #include "nvshared/testing/temp_dir.h"
+#include "nvshared/testing/test_table.h"
 
 namespace nv_fmt {
 namespace {
@@ -110,10 +111,8 @@ TEST_F(RegistryTest, AddTrimsTheNameAndFindsItBothWays) {
   ASSERT_NE(Peer::Entry(odd), nullptr);
   EXPECT_TRUE(Peer::Entry(odd)->hasExpiration);
   EXPECT_EQ(Peer::Entry(odd)->expiration, dv_core_ns::Date(40, 2, 2014));
-}
 
-// LIFFE series compare by key alone.
-TEST_F(RegistryTest, LiffeSeriesShareAnEntryByKey) {
+  // LIFFE series compare by key alone.
   SeriesID liffe = SampleSeries(kLiffe, "LH4");
   ASSERT_TRUE(Formatter().AddCustomSeriesName(liffe, "Short sterling"));
   liffe.strike = 99;
@@ -121,77 +120,25 @@ TEST_F(RegistryTest, LiffeSeriesShareAnEntryByKey) {
   EXPECT_STREQ(Formatter().GetCustomName(liffe), "Short sterling");
 }
 
-struct RefusalCase {
-  const char* what;
-  const char* existing;  // Es() has this name first, if not null
-  const char* nqName;    // Nq() has this name first, if not null
-  enum Op { kAdd, kChange, kRemoveSeries, kRemoveName } op;
-  const char* name;
-  const char* line;
-};
-
 // Each refusal: false, and exactly one line that says why.
 TEST_F(RegistryTest, RefusalsReturnFalseWithTheirLine) {
-  const RefusalCase cases[] = {
-      {"blank", nullptr, nullptr, RefusalCase::kAdd, " \t ",
-       "ME - AddCustomSeriesName - Contract Name: CME ES Mar14, Custom Name:  "
-       "-- Add Failed: Invalid name"},
-      {"named already", "Mine", nullptr, RefusalCase::kAdd, "New",
-       "ME - AddCustomSeriesName - Contract Name: CME ES Mar14, Custom Name: "
-       "New -- Add Failed: Contract already has a custom name assigned: Mine"},
-      {"name taken", nullptr, "Taken", RefusalCase::kAdd, "Taken",
-       "ME - AddCustomSeriesName - Contract Name: CME ES Mar14, Custom Name: "
-       "Taken -- Add Failed: Custom name already in use by contract: CME NQ "
-       "Mar14"},
-      // Name before contract: the contract's own name counts as taken.
-      {"change to own name", "Mine", nullptr, RefusalCase::kChange, "Mine",
-       "ME - ChangeCustomSeriesName - Contract Name: CME ES Mar14, Old Custom "
-       "Name: Mine, New Custom Name: Mine -- Change failed: Custom name "
-       "already assigned to contract: CME ES Mar14"},
-      {"change without name", nullptr, nullptr, RefusalCase::kChange, "Free",
-       "ME - ChangeCustomSeriesName - Contract Name: CME ES Mar14, Old Custom "
-       "Name: CME ES Mar14, New Custom Name: Free -- Change failed: Contract "
-       "does not have a custom name to change"},
-      {"change without name to a taken one", nullptr, "Taken",
-       RefusalCase::kChange, "Taken",
-       "ME - ChangeCustomSeriesName - Contract Name: CME ES Mar14, Old Custom "
-       "Name: CME ES Mar14, New Custom Name: Taken -- Change failed: Custom "
-       "name already assigned to contract: CME NQ Mar14"},
-      {"change to blank", "Mine", nullptr, RefusalCase::kChange, "  ",
-       "ME - ChangeCustomSeriesName - Contract Name: CME ES Mar14, Old Custom "
-       "Name: Mine, New Custom Name:  -- Change failed: Invalid name"},
-      {"remove unnamed series", nullptr, nullptr, RefusalCase::kRemoveSeries,
-       nullptr,
-       "ME - RemoveCustomSeriesName(seriesID) Contract Name: CME ES Mar14, "
-       "failed: No custom name found"},
-      {"remove unknown name", nullptr, nullptr, RefusalCase::kRemoveName,
-       " Ghost ",
-       "ME - RemoveCustomSeriesName(pName) Custom Name: Ghost, failed: No "
-       "seriesID found for custom name"},
-  };
-  for (const RefusalCase& c : cases) {
-    SCOPED_TRACE(c.what);
+  for (const auto& row : nvshared::testing::ReadTestTable(
+           "nvshared/naming/testdata/refusals.txt", 6)) {
+    SCOPED_TRACE(row.where + " " + row[0]);
     Peer::Clear();
-    if (c.existing) Peer::AddName(Es(), c.existing);
-    if (c.nqName) Peer::AddName(Nq(), c.nqName);
+    if (row[1] != "-") Peer::AddName(Es(), row[1]);
+    if (row[2] != "-") Peer::AddName(Nq(), row[2]);
     log_->Clear();
-    bool result = true;
-    switch (c.op) {
-      case RefusalCase::kAdd:
-        result = Formatter().AddCustomSeriesName(Es(), c.name);
-        break;
-      case RefusalCase::kChange:
-        result = Formatter().ChangeCustomSeriesName(Es(), c.name);
-        break;
-      case RefusalCase::kRemoveSeries:
-        result = Formatter().RemoveCustomSeriesName(Es());
-        break;
-      case RefusalCase::kRemoveName:
-        result = Formatter().RemoveCustomSeriesName(c.name);
-        break;
-    }
-    EXPECT_FALSE(result);
-    EXPECT_EQ(Lines(), std::vector<std::string>{c.line});
+    const std::string& op = row[3];
+    const char* name = row[4].c_str();
+    const auto act = [&] {
+      if (op == "add") return Formatter().AddCustomSeriesName(Es(), name);
+      if (op == "change") return Formatter().ChangeCustomSeriesName(Es(), name);
+      if (row[4] == "-") return Formatter().RemoveCustomSeriesName(Es());
+      return Formatter().RemoveCustomSeriesName(name);
+    };
+    EXPECT_FALSE(act());
+    EXPECT_EQ(Lines(), std::vector<std::string>{row[5]});
   }
   EXPECT_FALSE(Formatter().AddCustomSeriesName(Es(), nullptr));
   EXPECT_FALSE(Formatter().ChangeCustomSeriesName(Es(), nullptr));
@@ -238,22 +185,6 @@ TEST_F(RegistryTest, ChangeAndRemoveLogAndNotify) {
   EXPECT_TRUE(hint.IsUpdated(kCmeA));
   EXPECT_FALSE(hint.IsUpdated(kLiffe));
   EXPECT_TRUE(UpdateHint().IsUpdated(kLiffe));
-}
-
-TEST_F(RegistryTest, SpreadsKeepTheirLegsUnflavoured) {
-  const SeriesID calendar = SampleSeries(kCmeA, "ESH4-ESM4");
-  ASSERT_TRUE(Formatter().AddCustomSeriesName(calendar, "Roll"));
-  const dv_core_ns::FullLegList* legs = Formatter().GetLegList("Roll");
-  ASSERT_NE(legs, nullptr);
-  ASSERT_EQ(legs->legs.size(), 2u);
-  EXPECT_EQ(
-      static_cast<int>(legs->legs[0].GetSharedSeriesID()->product.exchange),
-      kCme);
-  // The expiry comes from the legs of the key, whose exchange is the plain
-  // CME; the data lists this calendar under CME-A only, so it has none.
-  const FormattedNameData* entry = Peer::Entry(calendar);
-  ASSERT_NE(entry, nullptr);
-  EXPECT_FALSE(entry->hasExpiration);
 }
 
 TEST_F(RegistryTest, ListsByExchangeProductAndTypeAndRemovesAll) {
@@ -433,6 +364,11 @@ TEST_F(NamesFileTest, NamesSurviveARestart) {
   ASSERT_TRUE(Formatter().AddCustomSeriesName(calendar, "my roll"));
   ASSERT_TRUE(Formatter().AddCustomSeriesName(SampleSeries(71, "MSFT"), "M"));
   ASSERT_TRUE(Formatter().ChangeCustomSeriesName(SampleSeries(7, "ESH4"), "F"));
+  // A spread keeps its legs unflavoured. Its expiry comes from the legs of
+  // the key, whose exchange is the plain CME; the data lists this calendar
+  // under CME-A only, so it has none.
+  ASSERT_NE(Peer::Entry(calendar), nullptr);
+  EXPECT_FALSE(Peer::Entry(calendar)->hasExpiration);
 
   Restart();
   EXPECT_EQ(Peer::Size(), 3u);
@@ -442,7 +378,10 @@ TEST_F(NamesFileTest, NamesSurviveARestart) {
   EXPECT_EQ(Formatter().GetSeries("E"), nullptr);
   const dv_core_ns::FullLegList* legs = Formatter().GetLegList("my roll");
   ASSERT_NE(legs, nullptr);
-  EXPECT_EQ(legs->legs.size(), 2u);
+  ASSERT_EQ(legs->legs.size(), 2u);
+  EXPECT_EQ(
+      static_cast<int>(legs->legs[0].GetSharedSeriesID()->product.exchange),
+      kCme);
   // A date-less stock stays without a date through every load and save.
   Restart();
   const FormattedNameData* msft = Peer::Entry(SampleSeries(71, "MSFT"));
