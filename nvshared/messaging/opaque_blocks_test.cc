@@ -11,7 +11,7 @@
 
 #include "nvshared/messaging/internal_messages.h"
 #include "nvshared/testing/hex_bytes.h"
-#include "nvshared/testing/test_table.h"
+#include "nvshared/testing/test_data.h"
 
 namespace nv_opaque_ns {
 namespace {

@@ -7,7 +7,7 @@
 
 #include "nvshared/testing/hex_bytes.h"
 #include "nvshared/testing/message_of.h"
-#include "nvshared/testing/test_table.h"
+#include "nvshared/testing/test_data.h"
 #include "nvshared/testing/wire_bytes.h"
 
 namespace nv_ns {

@@ -10,7 +10,7 @@
 #include "nvshared/naming/internal/formatter_peer.h"
 #include "nvshared/naming/series_name_formatter.h"
 #include "nvshared/testing/sample_data.h"
-#include "nvshared/testing/test_table.h"
+#include "nvshared/testing/test_data.h"
 
 namespace nv_fmt {
 

@@ -23,7 +23,7 @@
 #include "nvshared/testing/names_file.h"
 #include "nvshared/testing/sample_data.h"
 #include "nvshared/testing/temp_dir.h"
-#include "nvshared/testing/test_table.h"
+#include "nvshared/testing/test_data.h"
 
 namespace nv_fmt {
 namespace {
