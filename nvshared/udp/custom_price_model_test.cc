@@ -3,8 +3,8 @@
 #include <cstdlib>
 #include <filesystem>
 #include <memory>
-#include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <dlfcn.h>
@@ -60,9 +60,6 @@ class PluginHostTest : public ::testing::Test {
     CRegistryMgr::Instance(CRegistryMgr::kMachine).Clear();
   }
   fs::path Models() const { return dir_.path() / "pricemodels"; }
-  std::string PathOf(const std::string& file) const {
-    return (Models() / file).string();
-  }
   void Install(const std::string& kind, const std::string& file) {
     fs::copy_file(
         std::string(NVSHARED_TEST_PLUGIN_DIR) + "/nvtest_" + kind + ".so",
@@ -95,7 +92,7 @@ class PluginHostTest : public ::testing::Test {
   // What a loaded test plug-in tells the tests.
   template <typename Result>
   Result Ask(const std::string& file, const char* name, Result otherwise) {
-    void* object = ::dlopen(PathOf(file).c_str(), RTLD_NOW | RTLD_NOLOAD);
+    void* object = ::dlopen((Models() / file).c_str(), RTLD_NOW | RTLD_NOLOAD);
     if (object == nullptr) return otherwise;
     ::dlclose(object);  // still loaded: plug-ins are never unmapped
     auto fn = reinterpret_cast<Result (*)()>(::dlsym(object, name));
@@ -120,11 +117,6 @@ TEST_F(PluginHostTest, NoConfigDirLoadsNothing) {
       "Alpha", KeyValues({"Offset="}), message));
   EXPECT_FALSE(manager.ValidateCustomPricingModelParams("", {}, message));
   EXPECT_EQ(message, "kept");
-  CUDPData data;
-  data.m_bEnableUDP = 1;
-  data.m_UDPriceType = nv_ns::UDPPriceType::CustomModel;
-  data.m_sCustomPriceModelName = "Alpha";
-  EXPECT_EQ(CUDPriceFactory::GetUDPrice(&data), nullptr);
   EXPECT_TRUE(capture_.Logged().empty());
 }
 
@@ -186,9 +178,7 @@ TEST_F(PluginHostTest, RegistrationOfEachLibrary) {
        {Log("Failed to load typelib: @g.so @g.so: file too short")}},
   };
   for (const Case& c : cases) {
-    std::ostringstream trace;
-    for (const std::string& install : c.installs) trace << install << ' ';
-    SCOPED_TRACE(trace.str());
+    SCOPED_TRACE(c.installs.back());
     fs::remove_all(Models());
     fs::create_directory(Models());
     Lines expected;
@@ -217,13 +207,15 @@ TEST_F(PluginHostTest, RegistrationOfEachLibrary) {
       EXPECT_TRUE(manager.CustomModelNameExists(name) &&
                   manager.ModelNameExists(name));
     }
-    EXPECT_TRUE(manager.ModelNameExists("Yield"));
-    EXPECT_FALSE(manager.CustomModelNameExists("Yield"));
-    EXPECT_FALSE(manager.ModelNameExists("yield"));  // exact, case and all
   }
+  const CCustomPriceModelManager& manager =
+      *CCustomPriceModelManager::Instance();
+  EXPECT_TRUE(manager.ModelNameExists("Yield"));
+  EXPECT_FALSE(manager.CustomModelNameExists("Yield"));
+  EXPECT_FALSE(manager.ModelNameExists("yield"));  // exact, case and all
 }
 
-TEST_F(PluginHostTest, ParametersValidationAndConversion) {
+TEST_F(PluginHostTest, GoodModelParametersPricesAndBondTerms) {
   Install("good", "good.so");
   Install("minimal", "minimal.so");
   CCustomPriceModelManager& manager = Load();
@@ -281,14 +273,10 @@ TEST_F(PluginHostTest, ParametersValidationAndConversion) {
   CUDPriceFactory::ReleaseUDPrice(price);
   EXPECT_EQ(Ask<int>("good.so", "nvTestLiveObjects", -1), live);
   EXPECT_TRUE(capture_.Logged().empty());
-}
 
-// Without parameters of its own, or in a column of another type, a model
-// gets the ten bond terms.
-TEST_F(PluginHostTest, BondTermsGoToTheModelAsTenRows) {
-  Install("good", "good.so");
-  CCustomPriceModelManager& manager = Load();
-  CUDPData data;
+  // Without parameters of its own, or in a column of another type, a model
+  // gets the ten bond terms.
+  data = CUDPData();
   data.m_dCoupon = 6.25;
   data.m_dConvFactor = 0.9123;
   data.m_CouponFreq = nv_ns::UDPCouponFreq::Quarterly;
@@ -304,22 +292,22 @@ TEST_F(PluginHostTest, BondTermsGoToTheModelAsTenRows) {
       "Settlement Date=12/15/2026;Maturity Date=11/15/2036;"
       "Conversion Factor=0.912300;EOM Conversion=false;Optional=true;"
       "First Coupon Date=02/15/2007;Dated Date=11/15/2006;";
-  struct Case {
+  struct Terms {
     nv_ns::UDPPriceType type;
     Lines items;
     std::string rows;
-  } const cases[] = {
+  } const terms[] = {
       {nv_ns::UDPPriceType::CustomModel, {}, tenRows},
       {nv_ns::UDPPriceType::YieldToMaturity, {"Offset=3"}, tenRows},
       {nv_ns::UDPPriceType::CustomModel, {"Offset=3"}, "Offset=3;"},
   };
-  for (const Case& c : cases) {
+  for (const Terms& c : terms) {
     SCOPED_TRACE(c.rows);
     data.m_UDPriceType = c.type;
     data.m_vectUDPKeyValue = KeyValues(c.items);
-    std::unique_ptr<CUDPrice> price(manager.GetCustomPriceModel("Alpha"));
-    ASSERT_NE(price, nullptr);
-    EXPECT_TRUE(price->ApplyNewProperties(&data));
+    std::unique_ptr<CUDPrice> model(manager.GetCustomPriceModel("Alpha"));
+    ASSERT_NE(model, nullptr);
+    EXPECT_TRUE(model->ApplyNewProperties(&data));
     EXPECT_EQ(LastInitialize("good.so"), c.rows);
   }
 }
@@ -327,8 +315,9 @@ TEST_F(PluginHostTest, BondTermsGoToTheModelAsTenRows) {
 // Models whose every call fails or throws. Each failure is logged and
 // reported where it happens; the two conversions answer true with the
 // output untouched (kept on purpose: the host keeps showing the old value).
-TEST_F(PluginHostTest, FailingModelsAreReportedAndContained) {
+TEST_F(PluginHostTest, FailingAndOddModelsAreReportedAndContained) {
   Install("faulty", "faulty.so");
+  Install("member_throws", "m.so");
   CCustomPriceModelManager& manager = Load();
   struct Case {
     const char* model;
@@ -363,13 +352,8 @@ TEST_F(PluginHostTest, FailingModelsAreReportedAndContained) {
     }
     EXPECT_EQ(NewLines(), expected);
   }
-}
 
-// Models that cannot be made, and parameter tables of odd shapes.
-TEST_F(PluginHostTest, OddModelsAndParameterTables) {
-  Install("faulty", "faulty.so");
-  Install("member_throws", "m.so");
-  CCustomPriceModelManager& manager = Load();
+  // Models that cannot be made, and parameter tables of odd shapes.
   struct Made {
     const char* model;
     Lines logged;
@@ -423,10 +407,7 @@ TEST_F(PluginHostTest, OddModelsAndParameterTables) {
 }
 
 TEST(PluginStatusText, StandardTextsThenTheTwoForms) {
-  struct Case {
-    std::uint32_t status;
-    const char* text;
-  } const cases[] = {
+  const std::pair<std::uint32_t, const char*> cases[] = {
       {0x80004003u, "Invalid pointer."},
       {0x80040200u, "Unknown error 0x80040200"},  // offset 0
       {0x80040201u, "IDispatch error #1"},
@@ -434,20 +415,16 @@ TEST(PluginStatusText, StandardTextsThenTheTwoForms) {
       {0x80050000u, "Unknown error 0x80050000"},
       {0x00000002u, "Unknown error 0x2"},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
+  for (const auto& [status, text] : cases) {
     EXPECT_EQ(nvshared::udp_internal::StatusText(
-                  static_cast<nv_pm::NvStatus>(c.status)),
-              c.text);
+                  static_cast<nv_pm::NvStatus>(status)),
+              text);
   }
 }
 
 // Model names must convert: well-formed UTF-8 only.
 TEST(PluginText, Utf8Validity) {
-  struct Case {
-    const char* text;
-    bool valid;
-  } const cases[] = {
+  const std::pair<const char*, bool> cases[] = {
       {"Forward Yield", true},
       {"\xE2\x82\xAC 5", true},
       {"\xF4\x8F\xBF\xBF", true},   // U+10FFFF
@@ -457,9 +434,8 @@ TEST(PluginText, Utf8Validity) {
       {"\xE2\x82", false},          // cut short
       {"\x80", false},              // stray continuation
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(nvshared::udp_internal::IsValidUtf8(c.text), c.valid);
+  for (const auto& [text, valid] : cases) {
+    EXPECT_EQ(nvshared::udp_internal::IsValidUtf8(text), valid) << text;
   }
 }
 
