@@ -2,7 +2,9 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -27,6 +29,12 @@ std::string Log(const std::string& text) {
 std::string Report(unsigned code, unsigned type = 3000) {
   return "Trader Client|" + std::string(type == 2000 ? "0" : "2") + "|" +
          std::to_string(code);
+}
+
+// The words of `text`, split at blanks.
+Lines Words(const std::string& text) {
+  std::istringstream in(text);
+  return Lines(std::istream_iterator<std::string>(in), {});
 }
 
 std::vector<UDPKeyValue> KeyValues(const Lines& pairs) {
@@ -123,66 +131,51 @@ TEST_F(PluginHostTest, NoConfigDirLoadsNothing) {
 // Which libraries register which models, in file-name order, and what the
 // log says of the others. "@" in a line stands for the models directory.
 TEST_F(PluginHostTest, RegistrationOfEachLibrary) {
-  const std::string conflict =
-      "Price Model Name conflicts are not allowed. Type Library: '";
+  auto conflict = [](const std::string& file) {
+    return Log("Price Model Name conflicts are not allowed. Type Library: '" +
+               file + "' registration failed!");
+  };
+  auto unloaded = [](const std::string& file, const std::string& why) {
+    return Log("Failed to load typelib: @" + file + " " + why);
+  };
   struct Case {
-    Lines installs;  // kind:file
-    Lines names;
+    const char* installs;  // kind:file ...; no kind: a file of junk
+    const char* names;
     std::size_t libraries;
     Lines logged;
   } const cases[] = {
-      {{"good:a.so"}, {"Alpha", "Beta"}, 1, {}},
-      {{"good:a.so", "builtin:b.so"},
-       {"Alpha", "Beta"},
-       1,
-       {Log(conflict + "b.so' registration failed!")}},
-      {{"good:a.so", "clash:z.so"},
-       {"Alpha", "Beta"},
-       1,
-       {Log(conflict + "z.so' registration failed!")}},
+      {"good:a.so", "Alpha Beta", 1, {}},
+      {"good:a.so builtin:b.so", "Alpha Beta", 1, {conflict("b.so")}},
+      {"good:a.so clash:z.so", "Alpha Beta", 1, {conflict("z.so")}},
       // The second factory's "Gamma" clears the first factory's models too;
       // the library was stored already and stays, empty.
-      {{"two_factories:two.so"},
-       {},
-       1,
-       {Log(conflict + "two.so' registration failed!")}},
-      {{"count_fails:c.so"},
-       {},
-       0,
-       {Log("IDispatch error #1"), Report(0x2D00)}},
-      {{"name_throws:n.so"}, {"Kappa"}, 1, {Report(0x2D01)}},
-      {{"classes:k.so"},
-       {"Lambda"},
+      {"two_factories:two.so", "", 1, {conflict("two.so")}},
+      {"count_fails:c.so", "", 0, {Log("IDispatch error #1"), Report(0x2D00)}},
+      {"name_throws:n.so", "Kappa", 1, {Report(0x2D01)}},
+      {"classes:k.so",
+       "Lambda",
        1,
        {Log("Failed to GetTypeAttr from @k.so: Invalid index."),
         Log("Failed to GetTypeInfo from @k.so: Unspecified error.")}},
-      {{"create_throws:t.so"}, {}, 0, {Report(0x2D03, 2000)}},
-      {{"null_library:0.so"},
-       {},
-       0,
-       {Log("Failed to load typelib: @0.so Invalid pointer.")}},
+      {"create_throws:t.so", "", 0, {Report(0x2D03, 2000)}},
+      {"null_library:0.so", "", 0, {unloaded("0.so", "Invalid pointer.")}},
       // The loader's own reason follows the path.
-      {{"no_entry:e.so"},
-       {},
+      {"no_entry:e.so",
+       "",
        0,
-       {Log("Failed to load typelib: @e.so @e.so: undefined symbol: "
-            "nvPriceModelLibrary")}},
-      {{"unresolved:u.so"},
-       {},
+       {unloaded("e.so", "@e.so: undefined symbol: nvPriceModelLibrary")}},
+      {"unresolved:u.so",
+       "",
        0,
-       {Log("Failed to load typelib: @u.so @u.so: undefined symbol: "
-            "nvTestSymbolNobodyDefines")}},
-      {{":g.so"},
-       {},
-       0,
-       {Log("Failed to load typelib: @g.so @g.so: file too short")}},
+       {unloaded("u.so",
+                 "@u.so: undefined symbol: nvTestSymbolNobodyDefines")}},
+      {":g.so", "", 0, {unloaded("g.so", "@g.so: file too short")}},
   };
   for (const Case& c : cases) {
-    SCOPED_TRACE(c.installs.back());
+    SCOPED_TRACE(c.installs);
     fs::remove_all(Models());
     fs::create_directory(Models());
-    Lines expected;
-    for (const std::string& install : c.installs) {
+    for (const std::string& install : Words(c.installs)) {
       const auto colon = install.find(':');
       const std::string file = install.substr(colon + 1);
       if (colon == 0) {
@@ -191,6 +184,7 @@ TEST_F(PluginHostTest, RegistrationOfEachLibrary) {
         Install(install.substr(0, colon), file);
       }
     }
+    Lines expected;
     for (std::string line : c.logged) {
       for (auto at = line.find('@'); at != std::string::npos;
            at = line.find('@')) {
@@ -200,10 +194,10 @@ TEST_F(PluginHostTest, RegistrationOfEachLibrary) {
     }
     NewLines();
     CCustomPriceModelManager& manager = Load({"Yield", "Par Rate"});
-    EXPECT_EQ(Names(manager), c.names);
+    EXPECT_EQ(Names(manager), Words(c.names));
     EXPECT_EQ(manager.GetTypeLibs().size(), c.libraries);
     EXPECT_EQ(NewLines(), expected);
-    for (const std::string& name : c.names) {
+    for (const std::string& name : Words(c.names)) {
       EXPECT_TRUE(manager.CustomModelNameExists(name) &&
                   manager.ModelNameExists(name));
     }
@@ -354,10 +348,7 @@ TEST_F(PluginHostTest, FailingAndOddModelsAreReportedAndContained) {
   }
 
   // Models that cannot be made, and parameter tables of odd shapes.
-  struct Made {
-    const char* model;
-    Lines logged;
-  } const made[] = {
+  const std::pair<const char*, Lines> made[] = {
       {"Create Fails", {Log("Unspecified error.")}},
       {"Create Throws", {Report(0x2D03, 2000)}},
       {"Null Model", {Log("Invalid pointer.")}},
@@ -365,10 +356,10 @@ TEST_F(PluginHostTest, FailingAndOddModelsAreReportedAndContained) {
       {"Nobody", {}},
       {"", {}},
   };
-  for (const Made& c : made) {
-    SCOPED_TRACE(c.model);
-    EXPECT_EQ(manager.GetCustomPriceModel(c.model), nullptr);
-    EXPECT_EQ(NewLines(), c.logged);
+  for (const auto& [model, logged] : made) {
+    SCOPED_TRACE(model);
+    EXPECT_EQ(manager.GetCustomPriceModel(model), nullptr);
+    EXPECT_EQ(NewLines(), logged);
   }
   EXPECT_EQ(Ask<int>("faulty.so", "nvTestLiveObjects", -1), 1);  // factory
   // A name that is not UTF-8 is entered as the empty name.
