@@ -6,6 +6,7 @@
 #include <memory>
 #include <sstream>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -286,23 +287,19 @@ TEST_F(PluginHostTest, GoodModelParametersPricesAndBondTerms) {
       "Settlement Date=12/15/2026;Maturity Date=11/15/2036;"
       "Conversion Factor=0.912300;EOM Conversion=false;Optional=true;"
       "First Coupon Date=02/15/2007;Dated Date=11/15/2006;";
-  struct Terms {
-    nv_ns::UDPPriceType type;
-    Lines items;
-    std::string rows;
-  } const terms[] = {
+  const std::tuple<nv_ns::UDPPriceType, Lines, std::string> terms[] = {
       {nv_ns::UDPPriceType::CustomModel, {}, tenRows},
       {nv_ns::UDPPriceType::YieldToMaturity, {"Offset=3"}, tenRows},
       {nv_ns::UDPPriceType::CustomModel, {"Offset=3"}, "Offset=3;"},
   };
-  for (const Terms& c : terms) {
-    SCOPED_TRACE(c.rows);
-    data.m_UDPriceType = c.type;
-    data.m_vectUDPKeyValue = KeyValues(c.items);
+  for (const auto& [type, items, rows] : terms) {
+    SCOPED_TRACE(rows);
+    data.m_UDPriceType = type;
+    data.m_vectUDPKeyValue = KeyValues(items);
     std::unique_ptr<CUDPrice> model(manager.GetCustomPriceModel("Alpha"));
     ASSERT_NE(model, nullptr);
     EXPECT_TRUE(model->ApplyNewProperties(&data));
-    EXPECT_EQ(LastInitialize("good.so"), c.rows);
+    EXPECT_EQ(LastInitialize("good.so"), rows);
   }
 }
 
