@@ -2,9 +2,12 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <iterator>
 #include <memory>
 #include <sstream>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 #include <dlfcn.h>
@@ -27,6 +30,12 @@ std::string Log(const std::string& text) {
 std::string Report(unsigned code, unsigned type = 3000) {
   return "Trader Client|" + std::string(type == 2000 ? "0" : "2") + "|" +
          std::to_string(code);
+}
+
+// The words of `text`, split at blanks.
+Lines Words(const std::string& text) {
+  std::istringstream in(text);
+  return Lines(std::istream_iterator<std::string>(in), {});
 }
 
 std::vector<UDPKeyValue> KeyValues(const Lines& pairs) {
@@ -60,9 +69,6 @@ class PluginHostTest : public ::testing::Test {
     CRegistryMgr::Instance(CRegistryMgr::kMachine).Clear();
   }
   fs::path Models() const { return dir_.path() / "pricemodels"; }
-  std::string PathOf(const std::string& file) const {
-    return (Models() / file).string();
-  }
   void Install(const std::string& kind, const std::string& file) {
     fs::copy_file(
         std::string(NVSHARED_TEST_PLUGIN_DIR) + "/nvtest_" + kind + ".so",
@@ -95,7 +101,7 @@ class PluginHostTest : public ::testing::Test {
   // What a loaded test plug-in tells the tests.
   template <typename Result>
   Result Ask(const std::string& file, const char* name, Result otherwise) {
-    void* object = ::dlopen(PathOf(file).c_str(), RTLD_NOW | RTLD_NOLOAD);
+    void* object = ::dlopen((Models() / file).c_str(), RTLD_NOW | RTLD_NOLOAD);
     if (object == nullptr) return otherwise;
     ::dlclose(object);  // still loaded: plug-ins are never unmapped
     auto fn = reinterpret_cast<Result (*)()>(::dlsym(object, name));
@@ -120,79 +126,57 @@ TEST_F(PluginHostTest, NoConfigDirLoadsNothing) {
       "Alpha", KeyValues({"Offset="}), message));
   EXPECT_FALSE(manager.ValidateCustomPricingModelParams("", {}, message));
   EXPECT_EQ(message, "kept");
-  CUDPData data;
-  data.m_bEnableUDP = 1;
-  data.m_UDPriceType = nv_ns::UDPPriceType::CustomModel;
-  data.m_sCustomPriceModelName = "Alpha";
-  EXPECT_EQ(CUDPriceFactory::GetUDPrice(&data), nullptr);
   EXPECT_TRUE(capture_.Logged().empty());
 }
 
 // Which libraries register which models, in file-name order, and what the
 // log says of the others. "@" in a line stands for the models directory.
 TEST_F(PluginHostTest, RegistrationOfEachLibrary) {
-  const std::string conflict =
-      "Price Model Name conflicts are not allowed. Type Library: '";
+  auto conflict = [](const std::string& file) {
+    return Log("Price Model Name conflicts are not allowed. Type Library: '" +
+               file + "' registration failed!");
+  };
+  auto unloaded = [](const std::string& file, const std::string& why) {
+    return Log("Failed to load typelib: @" + file + " " + why);
+  };
   struct Case {
-    Lines installs;  // kind:file
-    Lines names;
+    const char* installs;  // kind:file ...; no kind: a file of junk
+    const char* names;
     std::size_t libraries;
     Lines logged;
   } const cases[] = {
-      {{"good:a.so"}, {"Alpha", "Beta"}, 1, {}},
-      {{"good:a.so", "builtin:b.so"},
-       {"Alpha", "Beta"},
-       1,
-       {Log(conflict + "b.so' registration failed!")}},
-      {{"good:a.so", "clash:z.so"},
-       {"Alpha", "Beta"},
-       1,
-       {Log(conflict + "z.so' registration failed!")}},
+      {"good:a.so", "Alpha Beta", 1, {}},
+      {"good:a.so builtin:b.so", "Alpha Beta", 1, {conflict("b.so")}},
+      {"good:a.so clash:z.so", "Alpha Beta", 1, {conflict("z.so")}},
       // The second factory's "Gamma" clears the first factory's models too;
       // the library was stored already and stays, empty.
-      {{"two_factories:two.so"},
-       {},
-       1,
-       {Log(conflict + "two.so' registration failed!")}},
-      {{"count_fails:c.so"},
-       {},
-       0,
-       {Log("IDispatch error #1"), Report(0x2D00)}},
-      {{"name_throws:n.so"}, {"Kappa"}, 1, {Report(0x2D01)}},
-      {{"classes:k.so"},
-       {"Lambda"},
+      {"two_factories:two.so", "", 1, {conflict("two.so")}},
+      {"count_fails:c.so", "", 0, {Log("IDispatch error #1"), Report(0x2D00)}},
+      {"name_throws:n.so", "Kappa", 1, {Report(0x2D01)}},
+      {"classes:k.so",
+       "Lambda",
        1,
        {Log("Failed to GetTypeAttr from @k.so: Invalid index."),
         Log("Failed to GetTypeInfo from @k.so: Unspecified error.")}},
-      {{"create_throws:t.so"}, {}, 0, {Report(0x2D03, 2000)}},
-      {{"null_library:0.so"},
-       {},
-       0,
-       {Log("Failed to load typelib: @0.so Invalid pointer.")}},
+      {"create_throws:t.so", "", 0, {Report(0x2D03, 2000)}},
+      {"null_library:0.so", "", 0, {unloaded("0.so", "Invalid pointer.")}},
       // The loader's own reason follows the path.
-      {{"no_entry:e.so"},
-       {},
+      {"no_entry:e.so",
+       "",
        0,
-       {Log("Failed to load typelib: @e.so @e.so: undefined symbol: "
-            "nvPriceModelLibrary")}},
-      {{"unresolved:u.so"},
-       {},
+       {unloaded("e.so", "@e.so: undefined symbol: nvPriceModelLibrary")}},
+      {"unresolved:u.so",
+       "",
        0,
-       {Log("Failed to load typelib: @u.so @u.so: undefined symbol: "
-            "nvTestSymbolNobodyDefines")}},
-      {{":g.so"},
-       {},
-       0,
-       {Log("Failed to load typelib: @g.so @g.so: file too short")}},
+       {unloaded("u.so",
+                 "@u.so: undefined symbol: nvTestSymbolNobodyDefines")}},
+      {":g.so", "", 0, {unloaded("g.so", "@g.so: file too short")}},
   };
   for (const Case& c : cases) {
-    std::ostringstream trace;
-    for (const std::string& install : c.installs) trace << install << ' ';
-    SCOPED_TRACE(trace.str());
+    SCOPED_TRACE(c.installs);
     fs::remove_all(Models());
     fs::create_directory(Models());
-    Lines expected;
-    for (const std::string& install : c.installs) {
+    for (const std::string& install : Words(c.installs)) {
       const auto colon = install.find(':');
       const std::string file = install.substr(colon + 1);
       if (colon == 0) {
@@ -201,6 +185,7 @@ TEST_F(PluginHostTest, RegistrationOfEachLibrary) {
         Install(install.substr(0, colon), file);
       }
     }
+    Lines expected;
     for (std::string line : c.logged) {
       for (auto at = line.find('@'); at != std::string::npos;
            at = line.find('@')) {
@@ -210,20 +195,22 @@ TEST_F(PluginHostTest, RegistrationOfEachLibrary) {
     }
     NewLines();
     CCustomPriceModelManager& manager = Load({"Yield", "Par Rate"});
-    EXPECT_EQ(Names(manager), c.names);
+    EXPECT_EQ(Names(manager), Words(c.names));
     EXPECT_EQ(manager.GetTypeLibs().size(), c.libraries);
     EXPECT_EQ(NewLines(), expected);
-    for (const std::string& name : c.names) {
+    for (const std::string& name : Words(c.names)) {
       EXPECT_TRUE(manager.CustomModelNameExists(name) &&
                   manager.ModelNameExists(name));
     }
-    EXPECT_TRUE(manager.ModelNameExists("Yield"));
-    EXPECT_FALSE(manager.CustomModelNameExists("Yield"));
-    EXPECT_FALSE(manager.ModelNameExists("yield"));  // exact, case and all
   }
+  const CCustomPriceModelManager& manager =
+      *CCustomPriceModelManager::Instance();
+  EXPECT_TRUE(manager.ModelNameExists("Yield"));
+  EXPECT_FALSE(manager.CustomModelNameExists("Yield"));
+  EXPECT_FALSE(manager.ModelNameExists("yield"));  // exact, case and all
 }
 
-TEST_F(PluginHostTest, ParametersValidationAndConversion) {
+TEST_F(PluginHostTest, GoodModelParametersPricesAndBondTerms) {
   Install("good", "good.so");
   Install("minimal", "minimal.so");
   CCustomPriceModelManager& manager = Load();
@@ -281,14 +268,10 @@ TEST_F(PluginHostTest, ParametersValidationAndConversion) {
   CUDPriceFactory::ReleaseUDPrice(price);
   EXPECT_EQ(Ask<int>("good.so", "nvTestLiveObjects", -1), live);
   EXPECT_TRUE(capture_.Logged().empty());
-}
 
-// Without parameters of its own, or in a column of another type, a model
-// gets the ten bond terms.
-TEST_F(PluginHostTest, BondTermsGoToTheModelAsTenRows) {
-  Install("good", "good.so");
-  CCustomPriceModelManager& manager = Load();
-  CUDPData data;
+  // Without parameters of its own, or in a column of another type, a model
+  // gets the ten bond terms.
+  data = CUDPData();
   data.m_dCoupon = 6.25;
   data.m_dConvFactor = 0.9123;
   data.m_CouponFreq = nv_ns::UDPCouponFreq::Quarterly;
@@ -304,31 +287,28 @@ TEST_F(PluginHostTest, BondTermsGoToTheModelAsTenRows) {
       "Settlement Date=12/15/2026;Maturity Date=11/15/2036;"
       "Conversion Factor=0.912300;EOM Conversion=false;Optional=true;"
       "First Coupon Date=02/15/2007;Dated Date=11/15/2006;";
-  struct Case {
-    nv_ns::UDPPriceType type;
-    Lines items;
-    std::string rows;
-  } const cases[] = {
+  const std::tuple<nv_ns::UDPPriceType, Lines, std::string> terms[] = {
       {nv_ns::UDPPriceType::CustomModel, {}, tenRows},
       {nv_ns::UDPPriceType::YieldToMaturity, {"Offset=3"}, tenRows},
       {nv_ns::UDPPriceType::CustomModel, {"Offset=3"}, "Offset=3;"},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.rows);
-    data.m_UDPriceType = c.type;
-    data.m_vectUDPKeyValue = KeyValues(c.items);
-    std::unique_ptr<CUDPrice> price(manager.GetCustomPriceModel("Alpha"));
-    ASSERT_NE(price, nullptr);
-    EXPECT_TRUE(price->ApplyNewProperties(&data));
-    EXPECT_EQ(LastInitialize("good.so"), c.rows);
+  for (const auto& [type, items, rows] : terms) {
+    SCOPED_TRACE(rows);
+    data.m_UDPriceType = type;
+    data.m_vectUDPKeyValue = KeyValues(items);
+    std::unique_ptr<CUDPrice> model(manager.GetCustomPriceModel("Alpha"));
+    ASSERT_NE(model, nullptr);
+    EXPECT_TRUE(model->ApplyNewProperties(&data));
+    EXPECT_EQ(LastInitialize("good.so"), rows);
   }
 }
 
 // Models whose every call fails or throws. Each failure is logged and
 // reported where it happens; the two conversions answer true with the
 // output untouched (kept on purpose: the host keeps showing the old value).
-TEST_F(PluginHostTest, FailingModelsAreReportedAndContained) {
+TEST_F(PluginHostTest, FailingAndOddModelsAreReportedAndContained) {
   Install("faulty", "faulty.so");
+  Install("member_throws", "m.so");
   CCustomPriceModelManager& manager = Load();
   struct Case {
     const char* model;
@@ -363,17 +343,9 @@ TEST_F(PluginHostTest, FailingModelsAreReportedAndContained) {
     }
     EXPECT_EQ(NewLines(), expected);
   }
-}
 
-// Models that cannot be made, and parameter tables of odd shapes.
-TEST_F(PluginHostTest, OddModelsAndParameterTables) {
-  Install("faulty", "faulty.so");
-  Install("member_throws", "m.so");
-  CCustomPriceModelManager& manager = Load();
-  struct Made {
-    const char* model;
-    Lines logged;
-  } const made[] = {
+  // Models that cannot be made, and parameter tables of odd shapes.
+  const std::pair<const char*, Lines> made[] = {
       {"Create Fails", {Log("Unspecified error.")}},
       {"Create Throws", {Report(0x2D03, 2000)}},
       {"Null Model", {Log("Invalid pointer.")}},
@@ -381,10 +353,10 @@ TEST_F(PluginHostTest, OddModelsAndParameterTables) {
       {"Nobody", {}},
       {"", {}},
   };
-  for (const Made& c : made) {
-    SCOPED_TRACE(c.model);
-    EXPECT_EQ(manager.GetCustomPriceModel(c.model), nullptr);
-    EXPECT_EQ(NewLines(), c.logged);
+  for (const auto& [model, logged] : made) {
+    SCOPED_TRACE(model);
+    EXPECT_EQ(manager.GetCustomPriceModel(model), nullptr);
+    EXPECT_EQ(NewLines(), logged);
   }
   EXPECT_EQ(Ask<int>("faulty.so", "nvTestLiveObjects", -1), 1);  // factory
   // A name that is not UTF-8 is entered as the empty name.
@@ -423,10 +395,7 @@ TEST_F(PluginHostTest, OddModelsAndParameterTables) {
 }
 
 TEST(PluginStatusText, StandardTextsThenTheTwoForms) {
-  struct Case {
-    std::uint32_t status;
-    const char* text;
-  } const cases[] = {
+  const std::pair<std::uint32_t, const char*> cases[] = {
       {0x80004003u, "Invalid pointer."},
       {0x80040200u, "Unknown error 0x80040200"},  // offset 0
       {0x80040201u, "IDispatch error #1"},
@@ -434,20 +403,16 @@ TEST(PluginStatusText, StandardTextsThenTheTwoForms) {
       {0x80050000u, "Unknown error 0x80050000"},
       {0x00000002u, "Unknown error 0x2"},
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
+  for (const auto& [status, text] : cases) {
     EXPECT_EQ(nvshared::udp_internal::StatusText(
-                  static_cast<nv_pm::NvStatus>(c.status)),
-              c.text);
+                  static_cast<nv_pm::NvStatus>(status)),
+              text);
   }
 }
 
 // Model names must convert: well-formed UTF-8 only.
 TEST(PluginText, Utf8Validity) {
-  struct Case {
-    const char* text;
-    bool valid;
-  } const cases[] = {
+  const std::pair<const char*, bool> cases[] = {
       {"Forward Yield", true},
       {"\xE2\x82\xAC 5", true},
       {"\xF4\x8F\xBF\xBF", true},   // U+10FFFF
@@ -457,9 +422,8 @@ TEST(PluginText, Utf8Validity) {
       {"\xE2\x82", false},          // cut short
       {"\x80", false},              // stray continuation
   };
-  for (const Case& c : cases) {
-    SCOPED_TRACE(c.text);
-    EXPECT_EQ(nvshared::udp_internal::IsValidUtf8(c.text), c.valid);
+  for (const auto& [text, valid] : cases) {
+    EXPECT_EQ(nvshared::udp_internal::IsValidUtf8(text), valid) << text;
   }
 }
 
