@@ -13,9 +13,8 @@
 #include <dlfcn.h>
 #include <gtest/gtest.h>
 
-#include "nvshared/platform/utils/registry_mgr.h"
+#include "nvshared/testing/price_model_config.h"
 #include "nvshared/testing/report_capture.h"
-#include "nvshared/testing/temp_dir.h"
 #include "nvshared/udp/internal/plugin_host.h"
 
 namespace {
@@ -38,15 +37,7 @@ Lines Words(const std::string& text) {
   return Lines(std::istream_iterator<std::string>(in), {});
 }
 
-std::vector<UDPKeyValue> KeyValues(const Lines& pairs) {
-  std::vector<UDPKeyValue> items;
-  for (const std::string& pair : pairs) {
-    const auto equals = pair.find('=');
-    items.emplace_back("string", pair.substr(0, equals),
-                       pair.substr(equals + 1), "", "", "");
-  }
-  return items;
-}
+using nvshared::testing::KeyValues;
 
 Lines Fields(const std::vector<UDPKeyValue>& items) {
   Lines lines;
@@ -63,28 +54,14 @@ Lines Fields(const std::vector<UDPKeyValue>& items) {
 // fresh copy is a fresh load, with state of its own.
 class PluginHostTest : public ::testing::Test {
  protected:
-  PluginHostTest() { fs::create_directory(Models()); }
-  ~PluginHostTest() override {
-    CCustomPriceModelManager::Destroy(false);
-    CRegistryMgr::Instance(CRegistryMgr::kMachine).Clear();
-  }
-  fs::path Models() const { return dir_.path() / "pricemodels"; }
+  fs::path Models() const { return config_.models(); }
   void Install(const std::string& kind, const std::string& file) {
-    fs::copy_file(
+    config_.Install(
         std::string(NVSHARED_TEST_PLUGIN_DIR) + "/nvtest_" + kind + ".so",
-        Models() / file);
+        file);
   }
   CCustomPriceModelManager& Load(const Lines& builtIns = {}) {
-    CRegistryMgr& store = CRegistryMgr::Instance(CRegistryMgr::kMachine);
-    store.SetRegistryKey("Software\\Dravane\\");
-    store.WriteRegString("NVConfigDir", "NVConfigDir", dir_.path().string());
-    CCustomPriceModelManager::Destroy(false);
-    CCustomPriceModelManager* manager = CCustomPriceModelManager::Instance();
-    for (const std::string& name : builtIns) {
-      manager->InitializePricingModeNames(name);
-    }
-    manager->Init(2);
-    return *manager;
+    return config_.Load(builtIns, 2);
   }
   static Lines Names(const CCustomPriceModelManager& manager) {
     Lines names;
@@ -111,7 +88,7 @@ class PluginHostTest : public ::testing::Test {
     return Ask<const char*>(file, "nvTestLastInitialize", "<not loaded>");
   }
 
-  nvshared::testing::TempDir dir_;
+  nvshared::testing::PriceModelConfig config_;
   nvshared::testing::ReportCapture capture_;
   std::size_t seen_ = 0;
 };
@@ -180,7 +157,7 @@ TEST_F(PluginHostTest, RegistrationOfEachLibrary) {
       const auto colon = install.find(':');
       const std::string file = install.substr(colon + 1);
       if (colon == 0) {
-        dir_.WriteFile("pricemodels/" + file, "not an object");
+        config_.dir().WriteFile("pricemodels/" + file, "not an object");
       } else {
         Install(install.substr(0, colon), file);
       }

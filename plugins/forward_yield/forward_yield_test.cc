@@ -5,49 +5,32 @@
 
 #include <gtest/gtest.h>
 
-#include "nvshared/platform/utils/registry_mgr.h"
+#include "nvshared/testing/price_model_config.h"
 #include "nvshared/testing/report_capture.h"
-#include "nvshared/testing/temp_dir.h"
 #include "nvshared/udp/custom_price_model.h"
 
 namespace {
 
-std::vector<UDPKeyValue> KeyValues(
-    const std::vector<std::pair<std::string, std::string>>& pairs) {
-  std::vector<UDPKeyValue> items;
-  for (const auto& [key, value] : pairs) {
-    items.emplace_back("string", key, value, "", "", "");
-  }
-  return items;
-}
+using nvshared::testing::KeyValues;
 
 // The example model loaded as a host loads it, from a configuration
 // directory of its own.
 class ForwardYieldTest : public ::testing::Test {
  protected:
   ForwardYieldTest() {
-    std::filesystem::create_directory(dir_.path() / "pricemodels");
-    std::filesystem::copy_file(NVSHARED_FORWARD_YIELD_PLUGIN,
-                               dir_.path() / "pricemodels/forward_yield.so");
-    CRegistryMgr& store = CRegistryMgr::Instance(CRegistryMgr::kMachine);
-    store.SetRegistryKey("Software\\Dravane\\");
-    store.WriteRegString("NVConfigDir", "NVConfigDir", dir_.path().string());
-    manager_.Init(0);
+    config_.Install(NVSHARED_FORWARD_YIELD_PLUGIN, "forward_yield.so");
+    manager_ = &config_.Load();
   }
-  ~ForwardYieldTest() override {
-    CCustomPriceModelManager::Destroy(false);
-    CRegistryMgr::Instance(CRegistryMgr::kMachine).Clear();
-  }
-  nvshared::testing::TempDir dir_;
+  nvshared::testing::PriceModelConfig config_;
   nvshared::testing::ReportCapture capture_;
-  CCustomPriceModelManager& manager_ = *CCustomPriceModelManager::Instance();
+  CCustomPriceModelManager* manager_ = nullptr;
 };
 
 // Golden prices: the textbook sum of discounted coupons less accrued
 // interest, worked apart from this code.
 TEST_F(ForwardYieldTest, ConvertsBothWays) {
   std::vector<std::string> names;
-  manager_.GetCustomPriceModelNames(names);
+  manager_->GetCustomPriceModelNames(names);
   ASSERT_EQ(names, std::vector<std::string>{"Forward Yield"});
   struct Case {
     const char* delivery;
@@ -64,12 +47,12 @@ TEST_F(ForwardYieldTest, ConvertsBothWays) {
     SCOPED_TRACE(c.delivery + std::string(" ") + std::to_string(c.yield));
     CUDPData data;
     data.m_UDPriceType = nv_ns::UDPPriceType::CustomModel;
-    data.m_vectUDPKeyValue = KeyValues({{"Settlement Date", c.delivery},
-                                        {"Maturity Date", "12/15/2036"},
-                                        {"Coupon", "6"},
-                                        {"Conversion Factor", c.factor}});
+    data.m_vectUDPKeyValue =
+        KeyValues({std::string("Settlement Date=") + c.delivery,
+                   "Maturity Date=12/15/2036", "Coupon=6",
+                   std::string("Conversion Factor=") + c.factor});
     std::unique_ptr<CUDPrice> price(
-        manager_.GetCustomPriceModel("Forward Yield"));
+        manager_->GetCustomPriceModel("Forward Yield"));
     ASSERT_TRUE(price != nullptr && price->ApplyNewProperties(&data));
     double futures = 0.0, yield = 0.0;
     EXPECT_TRUE(price->GetPriceFromUDP(c.yield, futures));
@@ -82,27 +65,25 @@ TEST_F(ForwardYieldTest, ConvertsBothWays) {
 
 TEST_F(ForwardYieldTest, ValidatesItsParameters) {
   std::vector<UDPKeyValue> params;
-  ASSERT_TRUE(manager_.GetCustomPriceModelParams("Forward Yield", params));
+  ASSERT_TRUE(manager_->GetCustomPriceModelParams("Forward Yield", params));
   ASSERT_EQ(params.size(), 10u);
   struct Case {
-    std::vector<std::pair<std::string, std::string>> params;
+    std::vector<std::string> params;
     const char* message;  // empty: accepted
   } const cases[] = {
-      {{{"Settlement Date", "12/15/2026"}, {"Maturity Date", "12/15/2036"}},
-       ""},
-      {{{"Coupon Frequency", "Weekly"}}, "Unknown coupon frequency 'Weekly'"},
-      {{{"Coupon", "6%"}}, "Coupon must be a number from 0 to 100"},
-      {{{"Conversion Factor", "0"}},
-       "Conversion factor must be a positive number"},
-      {{{"Settlement Date", "2026-02-29"}},
+      {{"Settlement Date=12/15/2026", "Maturity Date=12/15/2036"}, ""},
+      {{"Coupon Frequency=Weekly"}, "Unknown coupon frequency 'Weekly'"},
+      {{"Coupon=6%"}, "Coupon must be a number from 0 to 100"},
+      {{"Conversion Factor=0"}, "Conversion factor must be a positive number"},
+      {{"Settlement Date=2026-02-29"},
        "Settlement (delivery) date is missing or invalid"},
-      {{{"Settlement Date", "2036-12-15"}, {"Maturity Date", "2036-12-15"}},
+      {{"Settlement Date=2036-12-15", "Maturity Date=2036-12-15"},
        "Maturity must follow delivery"},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.message);
     std::string message = "untouched";
-    EXPECT_EQ(manager_.ValidateCustomPricingModelParams(
+    EXPECT_EQ(manager_->ValidateCustomPricingModelParams(
                   "Forward Yield", KeyValues(c.params), message),
               *c.message == '\0');
     EXPECT_EQ(message, c.message);
