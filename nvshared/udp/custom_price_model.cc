@@ -555,39 +555,46 @@ CCustomUDPrice::CCustomUDPrice(CUDPData* data, nv_pm::IPriceModel* model)
 
 CCustomUDPrice::~CCustomUDPrice() { SafeRelease(m_pModel); }
 
-bool CCustomUDPrice::GetPriceFromUDP(double udp, double& price) {
-  if (m_pModel == nullptr) return false;
+namespace {
+
+// One conversion through the model: `convert` stores its result through the
+// pointer it gets. A failure is logged and reported with the direction's
+// codes, and then, deliberately, still answers true with `out` as it was, so
+// the host keeps showing the old value.
+template <typename Convert>
+bool ConvertThroughModel(Convert convert, double& out, unsigned errorCode,
+                         unsigned exceptionCode) {
   try {
     double local = 0.0;
-    Check(m_pModel->ConvertUDPToPrice(udp, &local));
-    price = local;
-    return true;
+    Check(convert(&local));
+    out = local;
   } catch (const PluginError& error) {
     LogError(error);
-    Report(kPriceFromUDPError, kPlainReport);
+    Report(errorCode, kPlainReport);
   } catch (...) {
-    Report(kPriceFromUDPException, kPlainReport);
+    Report(exceptionCode, kPlainReport);
   }
-  // Deliberate: a failed conversion still answers true with `price` as it
-  // was, so the host keeps showing the old value.
   return true;
+}
+
+}  // namespace
+
+bool CCustomUDPrice::GetPriceFromUDP(double udp, double& price) {
+  if (m_pModel == nullptr) return false;
+  return ConvertThroughModel(
+      [this, udp](double* local) {
+        return m_pModel->ConvertUDPToPrice(udp, local);
+      },
+      price, kPriceFromUDPError, kPriceFromUDPException);
 }
 
 bool CCustomUDPrice::GetUDPFromPrice(double price, double& udp) {
   if (m_pModel == nullptr) return false;
-  try {
-    double local = 0.0;
-    Check(m_pModel->ConvertPriceToUDP(price, &local));
-    udp = local;
-    return true;
-  } catch (const PluginError& error) {
-    LogError(error);
-    Report(kUDPFromPriceError, kPlainReport);
-  } catch (...) {
-    Report(kUDPFromPriceException, kPlainReport);
-  }
-  // Deliberate, as above.
-  return true;
+  return ConvertThroughModel(
+      [this, price](double* local) {
+        return m_pModel->ConvertPriceToUDP(price, local);
+      },
+      udp, kUDPFromPriceError, kUDPFromPriceException);
 }
 
 bool CCustomUDPrice::ApplyNewProperties(CUDPData* data) {
