@@ -21,19 +21,24 @@ using nvshared::udp_internal::StatusText;
 
 namespace {
 
-// Report codes of plug-in failures.
-constexpr unsigned kPriceFromUDPError = 0x2CFA;
-constexpr unsigned kPriceFromUDPException = 0x2CFB;
-constexpr unsigned kUDPFromPriceError = 0x2CFC;
-constexpr unsigned kUDPFromPriceException = 0x2CFD;
-constexpr unsigned kModelCallError = 0x2CFE;
-constexpr unsigned kModelCallException = 0x2CFF;
-constexpr unsigned kAddFactoryError = 0x2D00;
-constexpr unsigned kAddFactoryException = 0x2D01;
-constexpr unsigned kRegisterError = 0x2D02;
-constexpr unsigned kLibraryException = 0x2D03;
-constexpr unsigned kHandled = CDVNVExpRpt::kHandledException;  // 2000
-constexpr unsigned kPlainReport = 3000;
+// How an operation that touched a plug-in reports a failure: the report
+// code after a failed status (0: the status is only logged) and after any
+// other failure, and the report's type (2000 a handled exception, 3000 a
+// plain report).
+struct FailureReport {
+  unsigned statusCode;
+  unsigned otherCode;
+  unsigned type;
+};
+constexpr FailureReport kPriceFromUDPFailure{0x2CFA, 0x2CFB, 3000};
+constexpr FailureReport kUDPFromPriceFailure{0x2CFC, 0x2CFD, 3000};
+// Initialising a model, reading or validating its parameters.
+constexpr FailureReport kModelCallFailure{0x2CFE, 0x2CFF, 3000};
+constexpr FailureReport kAddFactoryFailure{0x2D00, 0x2D01, 3000};
+constexpr FailureReport kRegisterFailure{0x2D02, 0x2D03, 2000};
+// A library's look-up: creating a model, finding its parameters or its
+// validation.
+constexpr FailureReport kLookupFailure{0, 0x2D03, 2000};
 
 // Model names are converted into a buffer of this many bytes, terminator
 // included; a longer one does not fit and becomes the empty name.
@@ -57,6 +62,22 @@ void Report(unsigned code, unsigned type) {
 void LogError(const PluginError& error) {
   if (error.description()) Log(*error.description());
   Log(error.ErrorMessage());
+}
+
+// Runs `body`, which touches a plug-in, and gives its result. A failed status
+// (PluginError) is logged, and either failure is reported as `report` says;
+// the result is then `failed`.
+template <typename Result, typename Body>
+Result Contained(const FailureReport& report, Result failed, Body body) {
+  try {
+    return body();
+  } catch (const PluginError& error) {
+    LogError(error);
+    if (report.statusCode != 0) Report(report.statusCode, report.type);
+  } catch (...) {
+    Report(report.otherCode, report.type);
+  }
+  return failed;
 }
 
 // Gives back a reference where no failure may escape: a Release that throws
@@ -143,7 +164,7 @@ void BondTermsTable(const CUDPData& data, HostTable& table) {
 // The parameters a factory declares for a model, as key-values.
 bool ReadModelParams(nv_pm::IPriceModelFactory* factory, int32_t index,
                      std::vector<UDPKeyValue>& out) {
-  try {
+  return Contained(kModelCallFailure, false, [&]() -> bool {
     HostTable table;
     Check(factory->GetPriceModelParams(index, &table));
     if (table.Rows() < 1 || table.Columns() < 6) return false;
@@ -169,19 +190,13 @@ bool ReadModelParams(nv_pm::IPriceModelFactory* factory, int32_t index,
                        texts[5]);
     }
     return true;
-  } catch (const PluginError& error) {
-    LogError(error);
-    Report(kModelCallError, kPlainReport);
-  } catch (...) {
-    Report(kModelCallException, kPlainReport);
-  }
-  return false;
+  });
 }
 
 bool CallValidateParams(nv_pm::IPriceModelFactory* factory, int32_t index,
                         const std::vector<UDPKeyValue>& params,
                         std::string& message) {
-  try {
+  return Contained(kModelCallFailure, false, [&]() -> bool {
     HostTable table;
     KeyValueTable(params, table);
     HostText text;
@@ -189,13 +204,7 @@ bool CallValidateParams(nv_pm::IPriceModelFactory* factory, int32_t index,
     Check(factory->ValidateParams(index, &table, &text, &valid));
     message = text.value;
     return valid > 0;
-  } catch (const PluginError& error) {
-    LogError(error);
-    Report(kModelCallError, kPlainReport);
-  } catch (...) {
-    Report(kModelCallException, kPlainReport);
-  }
-  return false;
+  });
 }
 
 }  // namespace
@@ -235,7 +244,8 @@ void CCustomUDPTypeLib::Clear() {
 void CCustomUDPTypeLib::AddFactory(
     nv_pm::IPriceModelFactory* factory,
     const std::function<bool(const std::string&)>& taken) {
-  try {
+  // False once a conflict has cleared the library and released the factory.
+  const bool added = Contained(kAddFactoryFailure, true, [&] {
     int32_t count = 0;
     Check(factory->GetPriceModelCount(&count));
     for (int32_t index = 0; index < count; ++index) {
@@ -253,22 +263,18 @@ void CCustomUDPTypeLib::AddFactory(
         const bool held = Holds(factory);
         Clear();
         if (!held) SafeRelease(factory);
-        return;
+        return false;
       }
       m_mapModels.emplace(narrow, std::make_pair(factory, index));
     }
-  } catch (const PluginError& error) {
-    LogError(error);
-    Report(kAddFactoryError, kPlainReport);
-  } catch (...) {
-    Report(kAddFactoryException, kPlainReport);
-  }
+    return true;
+  });
   // A factory that gave no model is not kept.
-  if (!Holds(factory)) SafeRelease(factory);
+  if (added && !Holds(factory)) SafeRelease(factory);
 }
 
 CUDPrice* CCustomUDPTypeLib::GetCustomPriceModel(const std::string& name) {
-  try {
+  return Contained<CUDPrice*>(kLookupFailure, nullptr, [&]() -> CUDPrice* {
     const auto found = m_mapModels.find(name);
     if (found == m_mapModels.end()) return nullptr;
     nv_pm::IPluginObject* object = nullptr;
@@ -293,47 +299,32 @@ CUDPrice* CCustomUDPTypeLib::GetCustomPriceModel(const std::string& name) {
     typed->Release();
     object->Release();
     return price.release();
-  } catch (const PluginError& error) {
-    LogError(error);
-  } catch (...) {
-    Report(kLibraryException, kHandled);
-  }
-  return nullptr;
+  });
 }
 
 bool CCustomUDPTypeLib::GetCustomPriceModelParams(
     const std::string& name, std::vector<UDPKeyValue>& out) {
-  try {
+  return Contained(kLookupFailure, false, [&]() -> bool {
     const auto found = m_mapModels.find(name);
     if (found == m_mapModels.end()) return false;
     out.clear();
     nv_pm::IPriceModelFactory* factory = found->second.first;
     if (!HasMember(factory, "GetPriceModelParams")) return false;
     return ReadModelParams(factory, found->second.second, out);
-  } catch (const PluginError& error) {
-    LogError(error);
-  } catch (...) {
-    Report(kLibraryException, kHandled);
-  }
-  return false;
+  });
 }
 
 bool CCustomUDPTypeLib::ValidateCustomPricingModelParams(
     const std::string& name, const std::vector<UDPKeyValue>& params,
     std::string& message) {
-  try {
+  return Contained(kLookupFailure, false, [&]() -> bool {
     const auto found = m_mapModels.find(name);
     if (found == m_mapModels.end()) return false;
     nv_pm::IPriceModelFactory* factory = found->second.first;
     if (!HasMember(factory, "ValidateParams")) return true;
     if (params.empty()) return true;
     return CallValidateParams(factory, found->second.second, params, message);
-  } catch (const PluginError& error) {
-    LogError(error);
-  } catch (...) {
-    Report(kLibraryException, kHandled);
-  }
-  return false;
+  });
 }
 
 // ---------------------------------------------------------------------------
@@ -473,7 +464,7 @@ CCustomUDPTypeLib* CCustomPriceModelManager::RegisterCustomTypeLib(
   CCustomUDPTypeLib* latest = nullptr;
   if (path == nullptr) return nullptr;
   const std::string file = path;
-  try {
+  Contained(kRegisterFailure, false, [&] {
     std::string error;
     nv_pm::IPriceModelLibrary* library = nullptr;
     if (void* object = nvshared::os::LoadSharedObject(file, error)) {
@@ -485,7 +476,7 @@ CCustomUDPTypeLib* CCustomPriceModelManager::RegisterCustomTypeLib(
     }
     if (library == nullptr) {
       Log("Failed to load typelib: " + file + " " + error);
-      return nullptr;
+      return false;
     }
     const int32_t count = library->GetClassCount();
     for (int32_t index = 0; index < count; ++index) {
@@ -516,12 +507,8 @@ CCustomUDPTypeLib* CCustomPriceModelManager::RegisterCustomTypeLib(
       }
       base->Release();
     }
-  } catch (const PluginError& error) {
-    LogError(error);
-    Report(kRegisterError, kHandled);
-  } catch (...) {
-    Report(kLibraryException, kHandled);
-  }
+    return true;
+  });
   return latest;
 }
 
@@ -555,52 +542,33 @@ CCustomUDPrice::CCustomUDPrice(CUDPData* data, nv_pm::IPriceModel* model)
 
 CCustomUDPrice::~CCustomUDPrice() { SafeRelease(m_pModel); }
 
-namespace {
-
-// One conversion through the model: `convert` stores its result through the
-// pointer it gets. A failure is logged and reported with the direction's
-// codes, and then, deliberately, still answers true with `out` as it was, so
-// the host keeps showing the old value.
-template <typename Convert>
-bool ConvertThroughModel(Convert convert, double& out, unsigned errorCode,
-                         unsigned exceptionCode) {
-  try {
-    double local = 0.0;
-    Check(convert(&local));
-    out = local;
-  } catch (const PluginError& error) {
-    LogError(error);
-    Report(errorCode, kPlainReport);
-  } catch (...) {
-    Report(exceptionCode, kPlainReport);
-  }
-  return true;
-}
-
-}  // namespace
-
 bool CCustomUDPrice::GetPriceFromUDP(double udp, double& price) {
   if (m_pModel == nullptr) return false;
-  return ConvertThroughModel(
-      [this, udp](double* local) {
-        return m_pModel->ConvertUDPToPrice(udp, local);
-      },
-      price, kPriceFromUDPError, kPriceFromUDPException);
+  // Deliberate: a failed conversion still answers true with `price` as it
+  // was, so the host keeps showing the old value.
+  return Contained(kPriceFromUDPFailure, true, [&] {
+    double local = 0.0;
+    Check(m_pModel->ConvertUDPToPrice(udp, &local));
+    price = local;
+    return true;
+  });
 }
 
 bool CCustomUDPrice::GetUDPFromPrice(double price, double& udp) {
   if (m_pModel == nullptr) return false;
-  return ConvertThroughModel(
-      [this, price](double* local) {
-        return m_pModel->ConvertPriceToUDP(price, local);
-      },
-      udp, kUDPFromPriceError, kUDPFromPriceException);
+  // Deliberate, as above.
+  return Contained(kUDPFromPriceFailure, true, [&] {
+    double local = 0.0;
+    Check(m_pModel->ConvertPriceToUDP(price, &local));
+    udp = local;
+    return true;
+  });
 }
 
 bool CCustomUDPrice::ApplyNewProperties(CUDPData* data) {
   m_pUDPData = data;
   if (data == nullptr || m_pModel == nullptr) return false;
-  try {
+  return Contained(kModelCallFailure, false, [&]() -> bool {
     const std::vector<UDPKeyValue> items = data->m_vectUDPKeyValue;
     HostTable table;
     if (data->m_UDPriceType == nv_ns::UDPPriceType::CustomModel &&
@@ -611,11 +579,5 @@ bool CCustomUDPrice::ApplyNewProperties(CUDPData* data) {
     }
     Check(m_pModel->Initialize(&table));
     return true;
-  } catch (const PluginError& error) {
-    LogError(error);
-    Report(kModelCallError, kPlainReport);
-  } catch (...) {
-    Report(kModelCallException, kPlainReport);
-  }
-  return false;
+  });
 }
