@@ -7,5 +7,5 @@ source scripts/deps.sh
 nvshared_install_packages "${NVSHARED_PACKAGES[@]}"
 
 cmake --preset dev >/dev/null
-cmake --build --preset dev --target nvtool
+cmake --build --preset dev --target nvtool forward_yield
 ./build/dev/tools/nvtool/nvtool demo

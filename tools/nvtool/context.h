@@ -20,6 +20,14 @@ namespace nvtool {
 // The bundled sample reference data, compiled in.
 extern const char* const kEmbeddedReferenceData;
 
+// Every sample file of data/, compiled in, by file name; the list ends with
+// a null name.
+struct EmbeddedFile {
+  const char* name;
+  const char* text;
+};
+extern const EmbeddedFile kEmbeddedSampleFiles[];
+
 struct Context {
   // --refdata: a file to use instead of the bundled data.
   std::string refdataPath;

@@ -68,10 +68,6 @@ if(EXISTS /dev/full)
   endif()
 endif()
 
-# demo runs on the bundled data and on a given file.
-run(0 "Reference data: 23 exchanges.*\\[message box, type 0x30\\] Trader recovered from an error \\(code 7\\)\\.  order book rebuilt\n.*\\[log, severity -1, code 8\\] trader Client\n" "" demo)
-run(0 "Reference data: 1 exchanges" "" --refdata "${WORK_DIR}/small.json" demo)
-
 # mgt: the bundled sample loads; every logged line is marked; --gateway
 # prints the identity, its market's as fallback, or none. Dynamic
 # connections are on unless turned off, as on a host with an empty store.
