@@ -53,11 +53,11 @@ constexpr std::size_t kColumns = 200;
 constexpr std::size_t kTicks = 10000;
 constexpr const char* kModel = "Forward Yield";
 
-// In screen order the kinds repeat: column c is kKinds[c % 4].
+// In screen order the kinds repeat: column c is of kind c % kKindCount.
 enum Kind : std::size_t { kYield, kYTM, kParRate, kForwardYield, kKindCount };
 
 // The stream: a walk of whole ticks, one step up, down or none per tick,
-// turned back at 100 ticks either side. Each column reads it from its own
+// held within 100 ticks either side. Each column reads it from its own
 // phase, so neighbouring columns do not move together.
 std::vector<double> Walk() {
   std::vector<double> walk(2 * kTicks);
