@@ -11,6 +11,7 @@
 #include <string>
 
 #include "bench/allocation_counter.h"
+#include "bench/example_model.h"
 #include <benchmark/benchmark.h>
 #include <stdlib.h>
 
@@ -32,15 +33,7 @@ constexpr std::array<double, 8> kYields = {4.1, 4.3, 4.5, 4.7,
 class Column {
  public:
   Column() {
-    char pattern[] = "/tmp/nvshared-bench-XXXXXX";
-    dir_ = ::mkdtemp(pattern);
-    fs::create_directory(dir_ / "pricemodels");
-    fs::copy_file(NVSHARED_FORWARD_YIELD_PLUGIN,
-                  dir_ / "pricemodels" / "forward_yield.so");
-    CRegistryMgr& store = CRegistryMgr::Instance(CRegistryMgr::kMachine);
-    store.SetRegistryKey("Software\\Dravane\\");
-    store.WriteRegString("NVConfigDir", "NVConfigDir", dir_.string());
-    CCustomPriceModelManager::Instance()->Init(0);
+    dir_ = nvshared_bench::LoadExampleModel();
     data_.m_UDPriceType = nv_ns::UDPPriceType::CustomModel;
     data_.m_sCustomPriceModelName = "Forward Yield";
     for (const auto& [key, value] : {std::pair{"Settlement Date", "2027-03-15"},

@@ -35,6 +35,7 @@
 #include <vector>
 
 #include "bench/allocation_counter.h"
+#include "bench/example_model.h"
 #include <benchmark/benchmark.h>
 #include <stdlib.h>
 
@@ -316,16 +317,8 @@ class Desk {
 
  private:
   void LoadModel() {
-    char pattern[] = "/tmp/nvshared-load-bench-XXXXXX";
-    if (::mkdtemp(pattern) == nullptr) Fail("no scratch directory");
-    dir_ = pattern;
-    fs::create_directory(dir_ / "pricemodels");
-    fs::copy_file(NVSHARED_FORWARD_YIELD_PLUGIN,
-                  dir_ / "pricemodels" / "forward_yield.so");
-    CRegistryMgr& store = CRegistryMgr::Instance(CRegistryMgr::kMachine);
-    store.SetRegistryKey("Software\\Dravane\\");
-    store.WriteRegString("NVConfigDir", "NVConfigDir", dir_.string());
-    CCustomPriceModelManager::Instance()->Init(0);
+    dir_ = nvshared_bench::LoadExampleModel();
+    if (dir_.empty()) Fail("no scratch directory");
     if (!CCustomPriceModelManager::Instance()->CustomModelNameExists(kModel)) {
       Fail("the plug-in was not loaded");
     }
