@@ -3,12 +3,15 @@
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
+#include <latch>
+#include <map>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "nvshared/defaults/criteria_key.h"
 #include "nvshared/market/core_product_id.h"
 #include "nvshared/market/exchange_names.h"
 #include "nvshared/market/internal/market_utils_internal.h"
@@ -152,28 +155,107 @@ TEST_F(MarketUtilsTest, ShutdownStopsNewInstances) {
   EXPECT_NE(MarketUtils::Instance(), nullptr);
 }
 
-TEST_F(MarketUtilsTest, ConcurrencyCachesAgreeAcrossThreads) {
-  std::atomic<int> wrong{0};
+// The keys' own exchange-to-market cache, which keys reach when they match.
+struct KeyMarkets : CriteriaKey {
+  using CriteriaKey::GetMarketIdFromExch;
+};
+
+// What one thread learns of an exchange id through the caches.
+struct Answer {
+  int market = 0, keyMarket = 0, idOfName = 0;
+  const char* plain = nullptr;
+  const char* flavoured = nullptr;
+  const std::string* marketName = nullptr;
+  bool synthetic = false, ecbot = false;
+};
+
+// Threads started together fill every cache at once from cold: the market
+// vector, the exchange and market name maps, the flavoured names and the
+// keys' exchange-to-market map. Each answer must equal the core's, worked
+// out first on one thread without the caches, and every thread must get the
+// same stored text for an id, since those pointers are kept for good.
+TEST_F(MarketUtilsTest, ConcurrencyCachesFillFromManyThreadsAtOnce) {
+  constexpr int kFirst = -3, kLast = 183, kThreads = 6, kPasses = 12;
+  const std::map<int, std::string> aliases = {{3, "eCBOT-A (Electronic)"},
+                                              {7, "CME-A (Globex)"},
+                                              {30, "LIFFE (London)"}};
+  std::map<int, Answer> expected;  // from the core, past every cache
+  std::map<int, std::string> plainNames, marketNames;
+  for (int id = kFirst; id <= kLast; ++id) {
+    Answer& a = expected[id];
+    a.market = id == 0 ? 84
+               : id < 0 || id >= nvshared::testing::kTestExchangeIdCount
+                   ? -1
+                   : dv_core_ns::CDVConsumer::GetMarketFromExch(id);
+    a.keyMarket = a.market;
+    const char* plain = dv_core_ns::CDVConsumer::GetExchangeName(id);
+    plainNames[id] = plain != nullptr ? plain : "";
+    marketNames[id] = dv_core_ns::CDVConsumer::GetMarketName(id);
+    a.idOfName = plainNames[id].empty() ? -1 : id;
+    a.synthetic = a.market == 84 || a.market == 85 || a.market == 88;
+    a.ecbot = id == 3;
+  }
+
+  std::vector<std::vector<Answer>> answers(kThreads);
+  std::atomic<int> moved{0};
+  std::latch go(kThreads);
   std::vector<std::thread> threads;
-  for (int t = 0; t < 8; ++t) {
-    threads.emplace_back([t, &wrong] {
-      for (int i = 0; i < 2000; ++i) {
-        const int id = (i * 7 + t) % 200 - 10;
-        const int market = MarketUtils::GetMarketFromExchange(id);
-        if (id > 0 && id < 180 &&
-            market != dv_core_ns::CDVConsumer::GetMarketFromExch(id)) {
-          ++wrong;
-        }
-        if (GetExchangeID(GetExchangeName(7, true), true) != 7) ++wrong;
-        if (MarketUtilsInternal::MarketName(id % 105) !=
-            dv_core_ns::CDVConsumer::GetMarketName(id % 105)) {
-          ++wrong;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      std::vector<Answer>& mine = answers[t];
+      mine.resize(kLast - kFirst + 1);
+      go.arrive_and_wait();
+      for (int pass = 0; pass < kPasses; ++pass) {
+        // Each thread walks the ids from another place, both ways.
+        for (int step = 0; step <= kLast - kFirst; ++step) {
+          const int offset = (step * (t % 2 == 0 ? 1 : -1) + t * 31 +
+                              (kLast - kFirst + 1) * 8) %
+                             (kLast - kFirst + 1);
+          const int id = kFirst + offset;
+          Answer a;
+          a.market = MarketUtils::GetMarketFromExchange(id);
+          a.keyMarket = KeyMarkets::GetMarketIdFromExch(id);
+          a.plain = GetExchangeName(id, false);
+          a.flavoured = GetExchangeName(id, true);
+          a.idOfName = *a.plain == '\0' ? -1 : GetExchangeID(a.flavoured, true);
+          a.marketName = &MarketUtilsInternal::MarketName(id);
+          a.synthetic = MarketUtils::IsSyntheticMarket(id);
+          a.ecbot = MarketUtils::IsECBOTExchangeID(id);
+          Answer& kept = mine[offset];
+          if (pass > 0 &&
+              (kept.plain != a.plain || kept.flavoured != a.flavoured ||
+               kept.marketName != a.marketName)) {
+            ++moved;  // a text handed out before is no longer the one kept
+          }
+          kept = a;
         }
       }
     });
   }
   for (std::thread& t : threads) t.join();
-  EXPECT_EQ(wrong.load(), 0);
+  EXPECT_EQ(moved.load(), 0);
+
+  for (int id = kFirst; id <= kLast; ++id) {
+    SCOPED_TRACE(id);
+    const Answer& want = expected[id];
+    const Answer& first = answers[0][id - kFirst];
+    const auto alias = aliases.find(id);
+    EXPECT_EQ(first.flavoured,
+              alias != aliases.end() ? alias->second : plainNames[id]);
+    EXPECT_EQ(first.plain, plainNames[id]);
+    EXPECT_EQ(*first.marketName, marketNames[id]);
+    for (const std::vector<Answer>& mine : answers) {
+      const Answer& got = mine[id - kFirst];
+      EXPECT_EQ(got.market, want.market);
+      EXPECT_EQ(got.keyMarket, want.keyMarket);
+      EXPECT_EQ(got.idOfName, want.idOfName);
+      EXPECT_EQ(got.synthetic, want.synthetic);
+      EXPECT_EQ(got.ecbot, want.ecbot);
+      EXPECT_EQ(got.plain, first.plain);
+      EXPECT_EQ(got.flavoured, first.flavoured);
+      EXPECT_EQ(got.marketName, first.marketName);
+    }
+  }
 }
 
 }  // namespace

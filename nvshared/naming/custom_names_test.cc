@@ -1,17 +1,15 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdio>
 #include <ctime>
+#include <latch>
 #include <memory>
-#include <random>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "nvshared/naming/binary_archiver.h"
 #include "nvshared/naming/internal/formatter_peer.h"
@@ -20,6 +18,7 @@
 #include "nvshared/platform/log/logger.h"
 #include "nvshared/platform/log/memory_sink.h"
 #include "nvshared/testing/hex_bytes.h"
+#include "nvshared/testing/kill_during_save.h"
 #include "nvshared/testing/names_file.h"
 #include "nvshared/testing/sample_data.h"
 #include "nvshared/testing/temp_dir.h"
@@ -267,38 +266,89 @@ TEST_F(RegistryTest, PromptOffersANameHeldByAnotherContract) {
                        "T|Other: CME NQ Mar14, not Mine of " + es + "%"}));
 }
 
-// Observers attach and detach on one thread while another notifies. Once
-// Detach returns, the observer must never be called again.
-TEST_F(RegistryTest, ConcurrencyDetachWaitsForRunningNotifications) {
-  struct Guarded : SeriesNameFormatterObserver {
-    std::atomic<bool> alive{true};
-    std::atomic<bool> calledWhileDead{false};
-    void OnSeriesNameUpdate(SeriesNameFormatter&, const UpdateHint&) override {
-      if (!alive.load()) calledWhileDead = true;
-      std::this_thread::yield();
-    }
-    void OnSeriesNameFormatterDestroy(SeriesNameFormatter&) override {}
-  };
-  std::atomic<bool> stop{false};
-  std::thread notifier([&] {
-    for (bool on = true; !stop.load(); on = !on) {
-      Formatter().SetProductNameEnabled(on);
-    }
-    Formatter().SetProductNameEnabled(false);
-  });
-  for (int round = 0; round < 300; ++round) {
-    // Freed at the end of the round: a late call would be a use after free
-    // under the sanitizers.
-    auto observer = std::make_unique<Guarded>();
-    EXPECT_TRUE(Formatter().Attach(observer.get()));
-    std::this_thread::yield();
-    EXPECT_TRUE(Formatter().Detach(observer.get()));
-    observer->alive = false;
-    std::this_thread::yield();
-    EXPECT_FALSE(observer->calledWhileDead.load());
+// Counts its calls, and any that come after its Detach has returned.
+struct CountingObserver : SeriesNameFormatterObserver {
+  void OnSeriesNameUpdate(SeriesNameFormatter&, const UpdateHint&) override {
+    if (detached.load()) ++late;
+    ++calls;
   }
-  stop = true;
-  notifier.join();
+  void OnSeriesNameFormatterDestroy(SeriesNameFormatter&) override {}
+  std::atomic<bool> detached{false};
+  std::atomic<int> calls{0};
+  std::atomic<int> late{0};
+};
+
+// The user's thread adds, renames and removes names while another thread
+// flips a switch, each step one notification, and two threads attach and
+// detach short-lived observers all the while. An observer is freed as soon
+// as Detach returns, and is never called after that. One attached
+// throughout hears every notification; a short-lived one hears at least
+// those that ran wholly while it was attached, and at most those that
+// overlapped that time.
+TEST_F(RegistryTest, ConcurrencyObserversComeAndGoDuringNotifications) {
+  constexpr int kUserSteps = 600;  // three notifications each
+  constexpr int kFlips = 1800;
+  constexpr int kVisits = 400;  // per attaching thread
+  std::atomic<int> started{0}, finished{0};
+  auto notify = [&](auto&& step) {
+    ++started;
+    step();
+    ++finished;
+  };
+  Formatter().SetProductNameEnabled(false);  // each flip below is a change
+  CountingObserver steady;
+  ASSERT_TRUE(Formatter().Attach(&steady));
+  std::atomic<int> late{0}, tooFew{0}, tooMany{0};
+  std::latch go(4);
+  std::vector<std::thread> threads;
+  threads.emplace_back([&] {  // the user's thread
+    const SeriesID series[] = {Es(), Nq()};
+    go.arrive_and_wait();
+    for (int i = 0; i < kUserSteps; ++i) {
+      const SeriesID& s = series[i % 2];
+      const std::string n = std::to_string(i);
+      notify(
+          [&] { EXPECT_TRUE(Formatter().AddCustomSeriesName(s, n.c_str())); });
+      notify([&] {
+        EXPECT_TRUE(Formatter().ChangeCustomSeriesName(s, ("r" + n).c_str()));
+      });
+      notify([&] { EXPECT_TRUE(Formatter().RemoveCustomSeriesName(s)); });
+    }
+  });
+  threads.emplace_back([&] {
+    go.arrive_and_wait();
+    for (int i = 0; i < kFlips; ++i) {
+      notify([&] { Formatter().SetProductNameEnabled(i % 2 == 0); });
+    }
+  });
+  for (int t = 0; t < 2; ++t) {
+    threads.emplace_back([&] {
+      go.arrive_and_wait();
+      for (int i = 0; i < kVisits; ++i) {
+        auto observer = std::make_unique<CountingObserver>();
+        const int finishedBefore = finished.load();
+        EXPECT_TRUE(Formatter().Attach(observer.get()));
+        const int startedAfter = started.load();
+        std::this_thread::yield();
+        const int finishedBeforeDetach = finished.load();
+        EXPECT_TRUE(Formatter().Detach(observer.get()));
+        observer->detached = true;
+        const int startedByDetach = started.load();
+        if (observer->calls < finishedBeforeDetach - startedAfter) ++tooFew;
+        if (observer->calls > startedByDetach - finishedBefore) ++tooMany;
+        std::this_thread::yield();
+        late += observer->late;
+      }  // freed here: a late call would also be a use after free
+    });
+  }
+  for (std::thread& t : threads) t.join();
+  EXPECT_TRUE(Formatter().Detach(&steady));
+  EXPECT_EQ(steady.calls.load(), 3 * kUserSteps + kFlips);
+  EXPECT_EQ(started.load(), 3 * kUserSteps + kFlips);
+  EXPECT_EQ(late.load(), 0);
+  EXPECT_EQ(tooFew.load(), 0);
+  EXPECT_EQ(tooMany.load(), 0);
+  EXPECT_EQ(Peer::Size(), 0u);
 }
 
 constexpr char kCorruption[] =
@@ -579,47 +629,75 @@ TEST_F(NamesFileTest, DamageThrowsAndTheReaderStaysFailed) {
   EXPECT_THROW(reader.ReadVersion(version), BinaryArchiveError);
 }
 
-// Saves are killed at random moments many times; each time the file is the
-// old one or a new one, and whole.
-TEST_F(NamesFileTest, AKilledSaveLeavesTheOldOrTheNewFileWhole) {
-  auto save = [&](int generation) {
-    std::vector<FileEntry> entries;
-    for (int j = 0; j <= generation % 40; ++j) {
-      entries.push_back(
-          {Key(8, "NQH4"), Date(), false,
-           "g" + std::to_string(generation) + "-" +
-               std::string(static_cast<std::size_t>(j * 7), 'x')});
-    }
-    WriteNamesFile(path_, static_cast<int>(entries.size()), entries);
-  };
-  save(0);
-  std::mt19937 random(12345);
-  int replaced = 0;
-  for (int round = 0; round < 40; ++round) {
-    const std::string before = nvshared::testing::ReadFile(path_);
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-      for (int generation = 1;; ++generation) save(generation);
-    }
-    std::this_thread::sleep_for(
-        std::chrono::microseconds(random() % 20000 + 100));
-    ::kill(child, SIGKILL);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    const std::string after = nvshared::testing::ReadFile(path_);
-    if (after != before) ++replaced;
-    std::vector<FileEntry> entries;
-    ASSERT_NO_THROW(entries = ReadNamesFile(path_)) << "round " << round;
-    ASSERT_FALSE(entries.empty());
-    // One generation throughout: nothing of two saves is mixed.
-    const std::string generation =
-        entries[0].name.substr(0, entries[0].name.find('-'));
-    for (const FileEntry& e : entries) {
-      EXPECT_EQ(e.name.substr(0, e.name.find('-')), generation);
-    }
+// The entries of a names file as sorted texts, so that two files of the same
+// names in another table order compare equal. Throws where the file is cut
+// or damaged.
+std::vector<std::string> Contents(const std::string& path) {
+  std::vector<std::string> out;
+  for (const FileEntry& e : ReadNamesFile(path)) {
+    out.push_back(std::string(e.series.seriesKey) + "|" + e.name + "|" +
+                  std::to_string(e.expiration.year) + "|" +
+                  std::to_string(e.hasExpiration));
   }
-  EXPECT_GT(replaced, 0);
+  std::sort(out.begin(), out.end());
+  return out;
+}
+
+// A child process renames one contract back and forth, so that each change
+// saves a file of some 100 KB through the archiver, and is killed with
+// SIGKILL at a random moment, again and again. After every kill the file
+// holds the names from before or after a change, all of them, and the
+// formatter loads it. A killed save leaves its temporary file beside the
+// names file: nothing reads it, and later saves make new ones.
+TEST_F(NamesFileTest, AKilledSaveLeavesTheOldOrTheNewFileWhole) {
+  Open();
+  const SeriesID renamed = Key(8, "NQH4");
+  for (int i = 0; i < 200; ++i) {
+    SeriesID other = renamed;
+    std::snprintf(other.seriesKey, sizeof other.seriesKey, "NQH4-%03d", i);
+    Peer::AddName(other, "name " + std::to_string(i) + std::string(500, '.'));
+  }
+  ASSERT_TRUE(Formatter().AddCustomSeriesName(renamed, "old name"));
+  const std::vector<std::string> before = Contents(path_);
+  ASSERT_TRUE(Formatter().ChangeCustomSeriesName(renamed, "new name"));
+  const std::vector<std::string> after = Contents(path_);
+  ASSERT_EQ(after.size(), 201u);
+  ASSERT_NE(before, after);
+  const std::size_t size = nvshared::testing::ReadFile(path_).size();
+
+  int seen[2] = {0, 0};  // kills that left the old names, the new ones
+  const nvshared::testing::KillRun run = nvshared::testing::KillDuringSaves(
+      nvshared::testing::KillRounds(300), std::chrono::milliseconds(8), 1801,
+      [&] {
+        bool toNew = std::string(Formatter().GetCustomName(renamed)) != "new";
+        for (;; toNew = !toNew) {
+          Formatter().ChangeCustomSeriesName(renamed,
+                                             toNew ? "new name" : "old name");
+        }
+      },
+      [&](int round) {
+        SCOPED_TRACE("round " + std::to_string(round));
+        ASSERT_EQ(nvshared::testing::ReadFile(path_).size(), size);
+        std::vector<std::string> contents;
+        ASSERT_NO_THROW(contents = Contents(path_));
+        ASSERT_TRUE(contents == before || contents == after);
+        const bool isNew = contents == after;
+        ++seen[isNew];
+        log_->Clear();
+        Restart();
+        ASSERT_EQ(Peer::Size(), 201u);
+        EXPECT_STREQ(Formatter().GetCustomName(renamed),
+                     isNew ? "new name" : "old name");
+      });
+  const auto strays =
+      nvshared::testing::FilesBeside(dir_.path(), "Series Names.dat");
+  std::printf(
+      "names file: %d kills in %.1f s; old names %d, new names %d; %zu "
+      "temporaries left\n",
+      run.rounds, run.seconds, seen[0], seen[1], strays.size());
+  EXPECT_GT(seen[0], 0);
+  EXPECT_GT(seen[1], 0);
+  EXPECT_LE(strays.size(), static_cast<std::size_t>(run.rounds));
 }
 
 struct TrimCase {
