@@ -1,7 +1,5 @@
 #include <algorithm>
 #include <atomic>
-#include <chrono>
-#include <cstdio>
 #include <ctime>
 #include <latch>
 #include <memory>
@@ -266,59 +264,64 @@ TEST_F(RegistryTest, PromptOffersANameHeldByAnotherContract) {
                        "T|Other: CME NQ Mar14, not Mine of " + es + "%"}));
 }
 
-// Counts its calls, and any that come after its Detach has returned.
+// Counts its calls, and those that come after its Detach has returned. On
+// each notice it names a weekly contract as a screen would, reading the
+// switches that another thread flips.
 struct CountingObserver : SeriesNameFormatterObserver {
-  void OnSeriesNameUpdate(SeriesNameFormatter&, const UpdateHint&) override {
-    if (detached.load()) ++late;
+  void OnSeriesNameUpdate(SeriesNameFormatter& f, const UpdateHint&) override {
+    late += detached.load();
     ++calls;
+    static const SeriesID& weekly = SampleSeries(kCmeA, "ESW1H4");
+    std::string out;
+    f.FormatContract(weekly, out, DefaultFormatContractConfig);
+    misnamed += out != "E-mini S&P 500 07Mar14" && out != "ES 07Mar14" &&
+                out != "E-mini S&P 500 Week 1 Mar14" &&
+                out != "ES Week 1 Mar14";
   }
   void OnSeriesNameFormatterDestroy(SeriesNameFormatter&) override {}
   std::atomic<bool> detached{false};
-  std::atomic<int> calls{0};
-  std::atomic<int> late{0};
+  std::atomic<int> calls{0}, late{0}, misnamed{0};
 };
 
 // The user's thread adds, renames and removes names while another thread
-// flips a switch, each step one notification, and two threads attach and
-// detach short-lived observers all the while. An observer is freed as soon
-// as Detach returns, and is never called after that. One attached
-// throughout hears every notification; a short-lived one hears at least
-// those that ran wholly while it was attached, and at most those that
-// overlapped that time.
+// flips the switches, each step one notification, and two threads attach and
+// detach short-lived observers all the while, freeing each as soon as
+// Detach returns. None is called after that. One attached throughout hears
+// every notification; a short-lived one hears at least those that ran
+// wholly while it was attached, and at most those that overlapped that time.
 TEST_F(RegistryTest, ConcurrencyObserversComeAndGoDuringNotifications) {
-  constexpr int kUserSteps = 600;  // three notifications each
-  constexpr int kFlips = 1800;
-  constexpr int kVisits = 400;  // per attaching thread
-  std::atomic<int> started{0}, finished{0};
+  constexpr int kSteps = 600, kVisits = 400;  // three notifications a step
+  std::atomic<int> started{0}, finished{0}, late{0}, tooFew{0}, tooMany{0};
   auto notify = [&](auto&& step) {
     ++started;
-    step();
+    EXPECT_TRUE(step());
     ++finished;
   };
-  Formatter().SetProductNameEnabled(false);  // each flip below is a change
+  for (bool on : {true, false}) {  // so that each flip below is a change
+    Formatter().SetSeriesNameEnabled(on);
+    Formatter().SetSeriesNameEnabled(kCmeA, on);
+    Formatter().SetProductNameEnabled(on);
+  }
   CountingObserver steady;
   ASSERT_TRUE(Formatter().Attach(&steady));
-  std::atomic<int> late{0}, tooFew{0}, tooMany{0};
+  const SeriesID series[] = {Es(), Nq()};
   std::latch go(4);
   std::vector<std::thread> threads;
   threads.emplace_back([&] {  // the user's thread
-    const SeriesID series[] = {Es(), Nq()};
     go.arrive_and_wait();
-    for (int i = 0; i < kUserSteps; ++i) {
+    for (int i = 0; i < kSteps; ++i) {
       const SeriesID& s = series[i % 2];
-      const std::string n = std::to_string(i);
-      notify(
-          [&] { EXPECT_TRUE(Formatter().AddCustomSeriesName(s, n.c_str())); });
-      notify([&] {
-        EXPECT_TRUE(Formatter().ChangeCustomSeriesName(s, ("r" + n).c_str()));
-      });
-      notify([&] { EXPECT_TRUE(Formatter().RemoveCustomSeriesName(s)); });
+      const std::string n = std::to_string(i), r = "r" + n;
+      notify([&] { return Formatter().AddCustomSeriesName(s, n.c_str()); });
+      notify([&] { return Formatter().ChangeCustomSeriesName(s, r.c_str()); });
+      notify([&] { return Formatter().RemoveCustomSeriesName(s); });
     }
   });
   threads.emplace_back([&] {
     go.arrive_and_wait();
-    for (int i = 0; i < kFlips; ++i) {
-      notify([&] { Formatter().SetProductNameEnabled(i % 2 == 0); });
+    for (int i = 0; i < 3 * kSteps; ++i) {
+      notify(
+          [&] { return Formatter().SetProductNameEnabled(i % 2 == 0), true; });
     }
   });
   for (int t = 0; t < 2; ++t) {
@@ -326,29 +329,27 @@ TEST_F(RegistryTest, ConcurrencyObserversComeAndGoDuringNotifications) {
       go.arrive_and_wait();
       for (int i = 0; i < kVisits; ++i) {
         auto observer = std::make_unique<CountingObserver>();
-        const int finishedBefore = finished.load();
+        const int before = finished.load();
         EXPECT_TRUE(Formatter().Attach(observer.get()));
-        const int startedAfter = started.load();
+        const int from = started.load();
         std::this_thread::yield();
-        const int finishedBeforeDetach = finished.load();
+        const int to = finished.load();
         EXPECT_TRUE(Formatter().Detach(observer.get()));
         observer->detached = true;
-        const int startedByDetach = started.load();
-        if (observer->calls < finishedBeforeDetach - startedAfter) ++tooFew;
-        if (observer->calls > startedByDetach - finishedBefore) ++tooMany;
+        tooFew += observer->calls < to - from;
+        tooMany += observer->calls > started.load() - before;
         std::this_thread::yield();
-        late += observer->late;
-      }  // freed here: a late call would also be a use after free
+        late += observer->late + observer->misnamed;
+      }  // freed at once: a late call would also be a use after free
     });
   }
   for (std::thread& t : threads) t.join();
   EXPECT_TRUE(Formatter().Detach(&steady));
-  EXPECT_EQ(steady.calls.load(), 3 * kUserSteps + kFlips);
-  EXPECT_EQ(started.load(), 3 * kUserSteps + kFlips);
-  EXPECT_EQ(late.load(), 0);
+  EXPECT_EQ(steady.calls.load(), 6 * kSteps);
+  EXPECT_EQ(steady.misnamed.load(), 0);
+  EXPECT_EQ(late.load(), 0);  // and no contract misnamed
   EXPECT_EQ(tooFew.load(), 0);
   EXPECT_EQ(tooMany.load(), 0);
-  EXPECT_EQ(Peer::Size(), 0u);
 }
 
 constexpr char kCorruption[] =
@@ -629,75 +630,32 @@ TEST_F(NamesFileTest, DamageThrowsAndTheReaderStaysFailed) {
   EXPECT_THROW(reader.ReadVersion(version), BinaryArchiveError);
 }
 
-// The entries of a names file as sorted texts, so that two files of the same
-// names in another table order compare equal. Throws where the file is cut
-// or damaged.
-std::vector<std::string> Contents(const std::string& path) {
-  std::vector<std::string> out;
-  for (const FileEntry& e : ReadNamesFile(path)) {
-    out.push_back(std::string(e.series.seriesKey) + "|" + e.name + "|" +
-                  std::to_string(e.expiration.year) + "|" +
-                  std::to_string(e.hasExpiration));
-  }
-  std::sort(out.begin(), out.end());
-  return out;
-}
-
-// A child process renames one contract back and forth, so that each change
-// saves a file of some 100 KB through the archiver, and is killed with
-// SIGKILL at a random moment, again and again. After every kill the file
-// holds the names from before or after a change, all of them, and the
-// formatter loads it. A killed save leaves its temporary file beside the
-// names file: nothing reads it, and later saves make new ones.
+// A child process renames one contract back and forth, each change saving
+// the names file through the archiver, and is killed at random moments.
+// After every kill the file is the one from before or after a change, and
+// the formatter loads it. The name is long so that a save takes some time.
 TEST_F(NamesFileTest, AKilledSaveLeavesTheOldOrTheNewFileWhole) {
   Open();
-  const SeriesID renamed = Key(8, "NQH4");
-  for (int i = 0; i < 200; ++i) {
-    SeriesID other = renamed;
-    std::snprintf(other.seriesKey, sizeof other.seriesKey, "NQH4-%03d", i);
-    Peer::AddName(other, "name " + std::to_string(i) + std::string(500, '.'));
-  }
-  ASSERT_TRUE(Formatter().AddCustomSeriesName(renamed, "old name"));
-  const std::vector<std::string> before = Contents(path_);
-  ASSERT_TRUE(Formatter().ChangeCustomSeriesName(renamed, "new name"));
-  const std::vector<std::string> after = Contents(path_);
-  ASSERT_EQ(after.size(), 201u);
-  ASSERT_NE(before, after);
-  const std::size_t size = nvshared::testing::ReadFile(path_).size();
-
-  int seen[2] = {0, 0};  // kills that left the old names, the new ones
-  const nvshared::testing::KillRun run = nvshared::testing::KillDuringSaves(
-      nvshared::testing::KillRounds(300), std::chrono::milliseconds(8), 1801,
-      [&] {
-        bool toNew = std::string(Formatter().GetCustomName(renamed)) != "new";
-        for (;; toNew = !toNew) {
-          Formatter().ChangeCustomSeriesName(renamed,
-                                             toNew ? "new name" : "old name");
-        }
-      },
-      [&](int round) {
-        SCOPED_TRACE("round " + std::to_string(round));
-        ASSERT_EQ(nvshared::testing::ReadFile(path_).size(), size);
-        std::vector<std::string> contents;
-        ASSERT_NO_THROW(contents = Contents(path_));
-        ASSERT_TRUE(contents == before || contents == after);
-        const bool isNew = contents == after;
-        ++seen[isNew];
-        log_->Clear();
-        Restart();
-        ASSERT_EQ(Peer::Size(), 201u);
-        EXPECT_STREQ(Formatter().GetCustomName(renamed),
-                     isNew ? "new name" : "old name");
-      });
-  const auto strays =
-      nvshared::testing::FilesBeside(dir_.path(), "Series Names.dat");
-  std::printf(
-      "names file: %d kills in %.1f s; old names %d, new names %d; %zu "
-      "temporaries left\n",
-      run.rounds, run.seconds, seen[0], seen[1], strays.size());
-  EXPECT_GT(seen[0], 0);
-  EXPECT_GT(seen[1], 0);
-  EXPECT_LE(strays.size(), static_cast<std::size_t>(run.rounds));
+  const SeriesID series = Key(8, "NQH4");
+  const std::string oldName(100000, 'o'), newName(100000, 'n');
+  nvshared::testing::KillRun run("names file", path_, 1801);
+  ASSERT_TRUE(Formatter().AddCustomSeriesName(series, newName.c_str()));
+  run.newFile = nvshared::testing::ReadFile(path_);
+  ASSERT_TRUE(Formatter().ChangeCustomSeriesName(series, oldName.c_str()));
+  run.oldFile = nvshared::testing::ReadFile(path_);
+  run.saveLoop = [&] {
+    for (int i = 0;; ++i) {  // one of each two changes is refused: same name
+      Formatter().ChangeCustomSeriesName(series,
+                                         (i % 2 ? newName : oldName).c_str());
+    }
+  };
+  run.load = [&](bool isNew) {
+    log_->Clear();
+    Restart();
+    ASSERT_EQ(Peer::Size(), 1u);
+    EXPECT_EQ(Formatter().GetCustomName(series), isNew ? newName : oldName);
+  };
+  nvshared::testing::ExpectKilledSavesLeaveOldOrNew(run);
 }
 
 struct TrimCase {

@@ -1,5 +1,7 @@
 #include "nvshared/testing/kill_during_save.h"
 
+#include <chrono>
+#include <cstdio>
 #include <cstdlib>
 #include <random>
 #include <thread>
@@ -9,57 +11,79 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-namespace nvshared::testing {
+#include "nvshared/testing/temp_dir.h"
 
-int KillRounds(int fallback) {
+namespace nvshared::testing {
+namespace {
+
+int Rounds(int fallback) {
   const char* text = std::getenv("NVSHARED_KILL_ROUNDS");
   const int rounds = text != nullptr ? std::atoi(text) : 0;
   return rounds > 0 ? rounds : fallback;
 }
 
-KillRun KillDuringSaves(int rounds, std::chrono::microseconds maxDelay,
-                        unsigned seed, const std::function<void()>& saveLoop,
-                        const std::function<void(int round)>& check) {
-  std::mt19937 random(seed);
-  std::uniform_int_distribution<long> delay(0, maxDelay.count() - 1);
-  const auto start = std::chrono::steady_clock::now();
-  KillRun run;
-  for (int round = 0; round < rounds; ++round) {
-    const pid_t child = ::fork();
-    if (child < 0) {
-      ADD_FAILURE() << "fork failed";
-      break;
+// One kill: fork a child that saves, let it run, kill it, reap it.
+void KillOneSaveLoop(const std::function<void()>& saveLoop,
+                     std::chrono::microseconds delay) {
+  const pid_t child = ::fork();
+  ASSERT_GE(child, 0) << "fork failed";
+  if (child == 0) {
+    try {
+      saveLoop();
+    } catch (...) {
     }
-    if (child == 0) {
-      try {
-        saveLoop();
-      } catch (...) {
-      }
-      ::_exit(1);
-    }
-    std::this_thread::sleep_for(std::chrono::microseconds(delay(random)));
-    ::kill(child, SIGKILL);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    EXPECT_TRUE(WIFSIGNALED(status)) << "the save loop ended by itself";
-    check(round);
-    ++run.rounds;
-    if (::testing::Test::HasFatalFailure()) break;
+    ::_exit(1);
   }
-  run.seconds =
-      std::chrono::duration<double>(std::chrono::steady_clock::now() - start)
-          .count();
-  return run;
+  std::this_thread::sleep_for(delay);
+  ::kill(child, SIGKILL);
+  int status = 0;
+  ::waitpid(child, &status, 0);
+  EXPECT_TRUE(WIFSIGNALED(status)) << "the save loop ended by itself";
 }
 
-std::vector<std::string> FilesBeside(const std::filesystem::path& dir,
-                                     const std::string& file) {
-  std::vector<std::string> names;
-  for (const auto& entry : std::filesystem::directory_iterator(dir)) {
+// The files beside `path` whose names begin with its name.
+int Temporaries(const std::filesystem::path& path) {
+  const std::string file = path.filename().string();
+  int count = 0;
+  for (const auto& entry :
+       std::filesystem::directory_iterator(path.parent_path())) {
     const std::string name = entry.path().filename().string();
-    if (name != file && name.starts_with(file)) names.push_back(name);
+    if (name != file && name.starts_with(file)) ++count;
   }
-  return names;
+  return count;
+}
+
+}  // namespace
+
+void ExpectKilledSavesLeaveOldOrNew(const KillRun& run) {
+  ASSERT_NE(run.oldFile, run.newFile);
+  std::mt19937 random(run.seed);
+  std::uniform_int_distribution<int> delay(0, 7999);
+  const int rounds = Rounds(run.rounds);
+  const auto start = std::chrono::steady_clock::now();
+  int seen[2] = {0, 0};  // kills that left the old content, the new one
+  int round = 0;
+  for (; round < rounds && !::testing::Test::HasFatalFailure(); ++round) {
+    SCOPED_TRACE("round " + std::to_string(round));
+    KillOneSaveLoop(run.saveLoop, std::chrono::microseconds(delay(random)));
+    const std::string bytes = ReadFile(run.path);
+    ASSERT_TRUE(bytes == run.oldFile || bytes == run.newFile)
+        << "a file of " << bytes.size() << " bytes";
+    const bool isNew = bytes == run.newFile;
+    ++seen[isNew];
+    run.load(isNew);
+  }
+  const double seconds =
+      std::chrono::duration<double>(std::chrono::steady_clock::now() - start)
+          .count();
+  const int temporaries = Temporaries(run.path);
+  std::printf(
+      "%s: %d kills in %.1f s; old content %d, new content %d; %d "
+      "temporaries left\n",
+      run.store.c_str(), round, seconds, seen[0], seen[1], temporaries);
+  EXPECT_GT(seen[0], 0);
+  EXPECT_GT(seen[1], 0);
+  EXPECT_LE(temporaries, round);
 }
 
 }  // namespace nvshared::testing

@@ -1,44 +1,48 @@
 // Kill-during-save runs for tests of stores that replace a file on every
-// save: a child process saves in a loop and is killed with SIGKILL at a
-// random moment, round after round, and the caller checks after each kill
-// what is on disk. The number of rounds may be raised for a long run with
-// the environment variable NVSHARED_KILL_ROUNDS (a test setting only).
+// save: a child process saves in a loop, alternating between two contents,
+// and is killed with SIGKILL at a random moment, round after round; after
+// each kill the file must hold one content or the other, byte for byte, and
+// load. The number of rounds may be raised for a long run with the
+// environment variable NVSHARED_KILL_ROUNDS (a test setting only).
 //
-// Ownership: the caller owns the files; these functions only fork, kill and
-// list. Threads: call from the test's main thread with no other thread
+// Ownership: the caller owns the files; this only forks, kills, reads and
+// lists. Threads: call from the test's main thread with no other thread
 // running, since the child is a fork of the whole process.
 #ifndef NVSHARED_TESTING_KILL_DURING_SAVE_H_
 #define NVSHARED_TESTING_KILL_DURING_SAVE_H_
 
-#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <string>
-#include <vector>
+#include <utility>
 
 namespace nvshared::testing {
 
-// NVSHARED_KILL_ROUNDS when it holds a positive number, else `fallback`.
-int KillRounds(int fallback);
-
 struct KillRun {
-  int rounds = 0;  // kills made and checked
-  double seconds = 0;
+  KillRun(std::string store, std::filesystem::path path, unsigned seed)
+      : store(std::move(store)), path(std::move(path)), seed(seed) {}
+
+  std::string store;  // what is saved, for the summary line
+  std::filesystem::path path;
+  unsigned seed;                 // of the random delays before the kills
+  int rounds = 300;              // unless NVSHARED_KILL_ROUNDS says more
+  std::string oldFile, newFile;  // the two contents a save may leave
+  // Runs in the child: saves the two contents in turn until it is killed.
+  std::function<void()> saveLoop;
+  // Runs in the parent after a kill that left `newFile` (or `oldFile`):
+  // loads the file through the library and checks what it holds.
+  std::function<void(bool isNew)> load;
 };
 
-// Runs `rounds` rounds. In each, a forked child calls `saveLoop`, which
-// should never return (the child _exit()s if it does or throws); the parent
-// sleeps a random time below `maxDelay`, drawn from a generator seeded with
-// `seed`, kills the child with SIGKILL, reaps it and calls `check(round)`.
-// Stops early after a round that leaves a fatal failure.
-KillRun KillDuringSaves(int rounds, std::chrono::microseconds maxDelay,
-                        unsigned seed, const std::function<void()>& saveLoop,
-                        const std::function<void(int round)>& check);
-
-// The names of the files in `dir` that begin with `file` but are not `file`
-// itself: the temporaries that killed saves leave beside it.
-std::vector<std::string> FilesBeside(const std::filesystem::path& dir,
-                                     const std::string& file);
+// Makes the run's kills. In each round a forked child runs `saveLoop` and
+// is killed after a random delay below 8 ms; the file must then equal
+// `oldFile` or `newFile`, and `load` is called. Stops at the first fatal
+// failure. Expects both contents among the outcomes (so saves did complete
+// between kills) and at most one temporary file left beside `path` per kill
+// (write-then-rename leaves one when the kill falls inside a save). Prints
+// one summary line with the kills, the time, the outcomes and the
+// temporaries.
+void ExpectKilledSavesLeaveOldOrNew(const KillRun& run);
 
 }  // namespace nvshared::testing
 

@@ -85,7 +85,7 @@ TEST(ExceptionHandlerConcurrency, RaiseWhileHandlersComeAndGo) {
     std::atomic<int> calls{0}, late{0};
     void OnException(unsigned int, const char*) override {
       std::this_thread::yield();  // widen the window
-      if (removed.load()) ++late;
+      late += removed.load();
       ++calls;
     }
   };
@@ -112,27 +112,24 @@ TEST(ExceptionHandlerConcurrency, RaiseWhileHandlersComeAndGo) {
       go.arrive_and_wait();
       for (int i = 0; i < kVisits; ++i) {
         auto handler = std::make_unique<ShortLived>();
-        const int finishedBefore = finished.load();
+        const int before = finished.load();
         ExceptionHandler::AddExceptionHandler(*handler);
-        const int startedAfter = started.load();
+        const int from = started.load();
         std::this_thread::yield();
-        const int finishedBeforeRemove = finished.load();
+        const int to = finished.load();
         ExceptionHandler::RemoveExceptionHandler(*handler);
         handler->removed = true;
-        const int startedByRemove = started.load();
-        if (handler->calls < finishedBeforeRemove - startedAfter) ++tooFew;
-        if (handler->calls > startedByRemove - finishedBefore) ++tooMany;
+        tooFew += handler->calls < to - from;
+        tooMany += handler->calls > started.load() - before;
         std::this_thread::yield();
         late += handler->late;
       }  // deleted at once
     });
   }
   for (std::thread& t : threads) t.join();
-  ExceptionHandler::RemoveExceptionHandler(first);
-  ExceptionHandler::RemoveExceptionHandler(last);
   int wrong = 0;
   for (int code = 0; code < kRaisers * kPerRaiser; ++code) {
-    if (first.hits[code] != 1 || last.hits[code] != 1) ++wrong;
+    wrong += first.hits[code] != 1 || last.hits[code] != 1;
   }
   EXPECT_EQ(wrong, 0);
   EXPECT_EQ(late.load(), 0);
