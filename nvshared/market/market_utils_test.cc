@@ -205,9 +205,10 @@ TEST_F(MarketUtilsTest, ConcurrencyCachesFillFromManyThreadsAtOnce) {
       go.arrive_and_wait();
       for (int pass = 0; pass < kPasses; ++pass) {
         for (int step = 0; step < kIds; ++step) {
-          // Each thread walks the ids from another place, half of them
-          // backwards.
-          const int i = ((t % 2 ? kIds * 8 - step : step) + t * 31) % kIds;
+          // All meet at each id on the first pass, from the first with an
+          // alias (3), so that they fill its entries together; later passes
+          // go each their own way.
+          const int i = (step + 6 + pass * t * 31) % kIds;
           const int id = kFirst + i;
           const char* plain = GetExchangeName(id, false);
           const char* flavoured = GetExchangeName(id, true);

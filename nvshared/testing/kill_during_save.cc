@@ -56,7 +56,15 @@ int Temporaries(const std::filesystem::path& path) {
 }  // namespace
 
 void ExpectKilledSavesLeaveOldOrNew(const KillRun& run) {
-  ASSERT_NE(run.oldFile, run.newFile);
+  ASSERT_TRUE(run.save(true));
+  const std::string newFile = ReadFile(run.path);
+  ASSERT_TRUE(run.save(false));
+  const std::string oldFile = ReadFile(run.path);
+  ASSERT_NE(oldFile, newFile);
+  bool isNew = false;
+  const auto saveLoop = [&] {
+    for (bool toNew = !isNew;; toNew = !toNew) run.save(toNew);
+  };
   std::mt19937 random(run.seed);
   std::uniform_int_distribution<int> delay(0, 7999);
   const int rounds = Rounds(run.rounds);
@@ -65,11 +73,11 @@ void ExpectKilledSavesLeaveOldOrNew(const KillRun& run) {
   int round = 0;
   for (; round < rounds && !::testing::Test::HasFatalFailure(); ++round) {
     SCOPED_TRACE("round " + std::to_string(round));
-    KillOneSaveLoop(run.saveLoop, std::chrono::microseconds(delay(random)));
+    KillOneSaveLoop(saveLoop, std::chrono::microseconds(delay(random)));
     const std::string bytes = ReadFile(run.path);
-    ASSERT_TRUE(bytes == run.oldFile || bytes == run.newFile)
+    ASSERT_TRUE(bytes == oldFile || bytes == newFile)
         << "a file of " << bytes.size() << " bytes";
-    const bool isNew = bytes == run.newFile;
+    isNew = bytes == newFile;
     ++seen[isNew];
     run.load(isNew);
   }

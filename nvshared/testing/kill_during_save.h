@@ -24,24 +24,25 @@ struct KillRun {
 
   std::string store;  // what is saved, for the summary line
   std::filesystem::path path;
-  unsigned seed;                 // of the random delays before the kills
-  int rounds = 300;              // unless NVSHARED_KILL_ROUNDS says more
-  std::string oldFile, newFile;  // the two contents a save may leave
-  // Runs in the child: saves the two contents in turn until it is killed.
-  std::function<void()> saveLoop;
-  // Runs in the parent after a kill that left `newFile` (or `oldFile`):
-  // loads the file through the library and checks what it holds.
+  unsigned seed;     // of the random delays before the kills
+  int rounds = 300;  // unless NVSHARED_KILL_ROUNDS says more
+  // Saves the new content (or the old one) through the library; true if the
+  // save was made.
+  std::function<bool(bool toNew)> save;
+  // Runs after a kill that left the new content (or the old one): loads the
+  // file through the library and checks what it holds.
   std::function<void(bool isNew)> load;
 };
 
-// Makes the run's kills. In each round a forked child runs `saveLoop` and
-// is killed after a random delay below 8 ms; the file must then equal
-// `oldFile` or `newFile`, and `load` is called. Stops at the first fatal
-// failure. Expects both contents among the outcomes (so saves did complete
-// between kills) and at most one temporary file left beside `path` per kill
-// (write-then-rename leaves one when the kill falls inside a save). Prints
-// one summary line with the kills, the time, the outcomes and the
-// temporaries.
+// Saves the new content, then the old one, keeping the bytes of each file.
+// Then, in each round, a forked child saves the other content than the file
+// holds, and then each in turn, until it is killed after a random delay
+// below 8 ms; the file must then be the old or the new one, byte for byte,
+// and `load` is called. Stops at the first fatal failure. Expects both
+// contents among the outcomes (so saves did complete between kills) and at
+// most one temporary file left beside `path` per kill (write-then-rename
+// leaves one when the kill falls inside a save). Prints one summary line
+// with the kills, the time, the outcomes and the temporaries.
 void ExpectKilledSavesLeaveOldOrNew(const KillRun& run);
 
 }  // namespace nvshared::testing

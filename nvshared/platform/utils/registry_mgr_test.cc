@@ -152,15 +152,8 @@ TEST_F(RegistryMgrTest, AKilledWriteLeavesTheOldOrTheNewFileWhole) {
   nvshared::testing::KillRun run("settings store", dir_.path() / "settings.ini",
                                  5101);
   ASSERT_TRUE(Store().SetFilePath(run.path).ok());
-  ASSERT_TRUE(Store().WriteRegString("Kill", "Value", newText));
-  run.newFile = ReadFile(run.path);
-  ASSERT_TRUE(Store().WriteRegString("Kill", "Value", oldText));
-  run.oldFile = ReadFile(run.path);
-  run.saveLoop = [&] {
-    bool toNew = Store().ReadRegString("Kill", "Value", "") == oldText;
-    for (;; toNew = !toNew) {
-      Store().WriteRegString("Kill", "Value", toNew ? newText : oldText);
-    }
+  run.save = [&](bool toNew) {
+    return Store().WriteRegString("Kill", "Value", toNew ? newText : oldText);
   };
   run.load = [&](bool isNew) {
     Store().Clear();
