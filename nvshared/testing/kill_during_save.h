@@ -36,13 +36,15 @@ struct KillRun {
 
 // Saves the new content, then the old one, keeping the bytes of each file.
 // Then, in each round, a forked child saves the other content than the file
-// holds, and then each in turn, until it is killed after a random delay
-// below 8 ms; the file must then be the old or the new one, byte for byte,
-// and `load` is called. Stops at the first fatal failure. Expects both
-// contents among the outcomes (so saves did complete between kills) and at
-// most one temporary file left beside `path` per kill (write-then-rename
-// leaves one when the kill falls inside a save). Prints one summary line
-// with the kills, the time, the outcomes and the temporaries.
+// holds, then each in turn, until it is killed at a random moment of its
+// first two saves or so (a delay drawn below twice the time of one save in
+// the parent, counted from when the child starts). The file must
+// then be the old or the new one, byte for byte, and `load` is called.
+// Stops at the first fatal failure. Expects both contents among the
+// outcomes (so saves did complete between kills) and at most one temporary
+// file left beside `path` per kill (write-then-rename leaves one when the
+// kill falls inside a save). Prints one summary line with the kills, the
+// time, the outcomes and the temporaries.
 void ExpectKilledSavesLeaveOldOrNew(const KillRun& run);
 
 }  // namespace nvshared::testing
