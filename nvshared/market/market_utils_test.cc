@@ -1,14 +1,19 @@
 #include "nvshared/market/market_utils.h"
 
+#include <array>
 #include <atomic>
 #include <cstdlib>
 #include <cstring>
+#include <latch>
+#include <map>
+#include <sstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "nvshared/defaults/criteria_key.h"
 #include "nvshared/market/core_product_id.h"
 #include "nvshared/market/exchange_names.h"
 #include "nvshared/market/internal/market_utils_internal.h"
@@ -152,28 +157,81 @@ TEST_F(MarketUtilsTest, ShutdownStopsNewInstances) {
   EXPECT_NE(MarketUtils::Instance(), nullptr);
 }
 
-TEST_F(MarketUtilsTest, ConcurrencyCachesAgreeAcrossThreads) {
-  std::atomic<int> wrong{0};
+// The keys' own exchange-to-market cache, which keys reach when they match.
+struct KeyMarkets : CriteriaKey {
+  using CriteriaKey::GetMarketIdFromExch;
+};
+
+// Threads started together fill every cache at once from cold: the market
+// vector, the exchange and market name maps, the flavoured names and the
+// keys' exchange-to-market map. Each answer must equal the one worked out
+// first on one thread from the core, past the caches, and the fixture's
+// aliases; and every thread must be handed the same stored texts for an id
+// on every pass, since those pointers are kept for good.
+TEST_F(MarketUtilsTest, ConcurrencyCachesFillFromManyThreadsAtOnce) {
+  constexpr int kFirst = -3, kIds = 187, kThreads = 6, kPasses = 12;
+  const auto describe = [](const auto&... parts) {
+    std::ostringstream out;
+    ((out << parts << '|'), ...);
+    return out.str();
+  };
+  const std::map<int, std::string> aliases = {{3, "eCBOT-A (Electronic)"},
+                                              {7, "CME-A (Globex)"},
+                                              {30, "LIFFE (London)"}};
+  std::vector<std::string> expected;
+  for (int id = kFirst; id < kFirst + kIds; ++id) {
+    using dv_core_ns::CDVConsumer;
+    // Exchange 0 counts as Legwise (84), whatever the core says.
+    const int market = id == 0 ? 84 : CDVConsumer::GetMarketFromExch(id);
+    const char* name = CDVConsumer::GetExchangeName(id);
+    const std::string plain = name != nullptr ? name : "";
+    const auto alias = aliases.find(id);
+    expected.push_back(describe(market, market, plain.empty() ? -1 : id, plain,
+                                alias != aliases.end() ? alias->second : plain,
+                                CDVConsumer::GetMarketName(id),
+                                market == 84 || market == 85 || market == 88,
+                                id == 3));
+  }
+
+  using Texts = std::array<const void*, 3>;
+  std::vector<std::vector<std::string>> answers(kThreads,
+                                                std::vector<std::string>(kIds));
+  std::vector<std::vector<Texts>> texts(kThreads, std::vector<Texts>(kIds));
+  std::atomic<int> moved{0};
+  std::latch go(kThreads);
   std::vector<std::thread> threads;
-  for (int t = 0; t < 8; ++t) {
-    threads.emplace_back([t, &wrong] {
-      for (int i = 0; i < 2000; ++i) {
-        const int id = (i * 7 + t) % 200 - 10;
-        const int market = MarketUtils::GetMarketFromExchange(id);
-        if (id > 0 && id < 180 &&
-            market != dv_core_ns::CDVConsumer::GetMarketFromExch(id)) {
-          ++wrong;
-        }
-        if (GetExchangeID(GetExchangeName(7, true), true) != 7) ++wrong;
-        if (MarketUtilsInternal::MarketName(id % 105) !=
-            dv_core_ns::CDVConsumer::GetMarketName(id % 105)) {
-          ++wrong;
+  for (int t = 0; t < kThreads; ++t) {
+    threads.emplace_back([&, t] {
+      go.arrive_and_wait();
+      for (int pass = 0; pass < kPasses; ++pass) {
+        for (int step = 0; step < kIds; ++step) {
+          // All meet at each id on the first pass, from the first with an
+          // alias (3), so that they fill its entries together; later passes
+          // go each their own way.
+          const int i = (step + 6 + pass * t * 31) % kIds;
+          const int id = kFirst + i;
+          const char* plain = GetExchangeName(id, false);
+          const char* flavoured = GetExchangeName(id, true);
+          const std::string& marketName = MarketUtilsInternal::MarketName(id);
+          answers[t][i] = describe(
+              MarketUtils::GetMarketFromExchange(id),
+              KeyMarkets::GetMarketIdFromExch(id),
+              *plain == '\0' ? -1 : GetExchangeID(flavoured, true), plain,
+              flavoured, marketName, MarketUtils::IsSyntheticMarket(id),
+              MarketUtils::IsECBOTExchangeID(id));
+          const Texts kept = {plain, flavoured, &marketName};
+          moved += pass > 0 && texts[t][i] != kept;
+          texts[t][i] = kept;
         }
       }
     });
   }
   for (std::thread& t : threads) t.join();
-  EXPECT_EQ(wrong.load(), 0);
+  EXPECT_EQ(moved.load(), 0);
+  for (int t = 0; t < kThreads; ++t) {
+    EXPECT_EQ(answers[t], expected) << "thread " << t;
+    EXPECT_EQ(texts[t], texts[0]) << "thread " << t;
+  }
 }
 
 }  // namespace

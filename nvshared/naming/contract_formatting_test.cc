@@ -264,34 +264,6 @@ TEST_F(NamingTest, RegistryHash) {
   EXPECT_NE(RegistryHash("ABCDEFGHI"), RegistryHash("AxCxExGxI"));
 }
 
-TEST_F(NamingTest, ConcurrencyFormattingWhileSwitchesChange) {
-  const SeriesID& weekly = SampleSeries(kCmeA, "ESW1H4");
-  const SeriesID& spread = SampleSeries(kCmeA, "ES BF H4");
-  std::vector<std::thread> threads;
-  for (int t = 0; t < 2; ++t) {
-    threads.emplace_back([&] {
-      std::string out;
-      for (int i = 0; i < 2000; ++i) {
-        Formatter().FormatContract(weekly, out, DefaultFormatContractConfig);
-        EXPECT_TRUE(out == "E-mini S&P 500 07Mar14" ||
-                    out == "E-mini S&P 500 Week 1 Mar14" ||
-                    out == "ES 07Mar14" || out == "ES Week 1 Mar14")
-            << out;
-        Formatter().FormatContract(spread, out, DefaultFormatContractConfig);
-        EXPECT_FALSE(out.empty());
-      }
-    });
-  }
-  threads.emplace_back([] {
-    for (int i = 0; i < 2000; ++i) {
-      Formatter().SetSeriesNameEnabled(i % 2 == 0);
-      Formatter().SetSeriesNameEnabled(kCmeA, i % 3 == 0);
-      Formatter().SetProductNameEnabled(i % 5 == 0);
-    }
-  });
-  for (auto& t : threads) t.join();
-}
-
 Leg MakeLeg(const SeriesID& series, int ratio, const char* price = nullptr) {
   Leg leg(boost::make_shared<const SeriesID>(series), ratio, 0);
   if (price != nullptr) leg.StoreAgileData<std::string>(1003, price);

@@ -1,17 +1,13 @@
 #include <algorithm>
 #include <atomic>
-#include <chrono>
 #include <ctime>
+#include <latch>
 #include <memory>
-#include <random>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
-#include <signal.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
 #include "nvshared/naming/binary_archiver.h"
 #include "nvshared/naming/internal/formatter_peer.h"
@@ -20,6 +16,7 @@
 #include "nvshared/platform/log/logger.h"
 #include "nvshared/platform/log/memory_sink.h"
 #include "nvshared/testing/hex_bytes.h"
+#include "nvshared/testing/kill_during_save.h"
 #include "nvshared/testing/names_file.h"
 #include "nvshared/testing/sample_data.h"
 #include "nvshared/testing/temp_dir.h"
@@ -267,38 +264,100 @@ TEST_F(RegistryTest, PromptOffersANameHeldByAnotherContract) {
                        "T|Other: CME NQ Mar14, not Mine of " + es + "%"}));
 }
 
-// Observers attach and detach on one thread while another notifies. Once
-// Detach returns, the observer must never be called again.
-TEST_F(RegistryTest, ConcurrencyDetachWaitsForRunningNotifications) {
-  struct Guarded : SeriesNameFormatterObserver {
-    std::atomic<bool> alive{true};
-    std::atomic<bool> calledWhileDead{false};
-    void OnSeriesNameUpdate(SeriesNameFormatter&, const UpdateHint&) override {
-      if (!alive.load()) calledWhileDead = true;
-      std::this_thread::yield();
-    }
-    void OnSeriesNameFormatterDestroy(SeriesNameFormatter&) override {}
-  };
-  std::atomic<bool> stop{false};
-  std::thread notifier([&] {
-    for (bool on = true; !stop.load(); on = !on) {
-      Formatter().SetProductNameEnabled(on);
-    }
-    Formatter().SetProductNameEnabled(false);
-  });
-  for (int round = 0; round < 300; ++round) {
-    // Freed at the end of the round: a late call would be a use after free
-    // under the sanitizers.
-    auto observer = std::make_unique<Guarded>();
-    EXPECT_TRUE(Formatter().Attach(observer.get()));
-    std::this_thread::yield();
-    EXPECT_TRUE(Formatter().Detach(observer.get()));
-    observer->alive = false;
-    std::this_thread::yield();
-    EXPECT_FALSE(observer->calledWhileDead.load());
+// Counts its calls, and those that come after its Detach has returned. On
+// each notice it names a weekly contract as a screen would, reading the
+// switches that another thread flips; but not its custom name, which only
+// the user's thread may read.
+struct CountingObserver : SeriesNameFormatterObserver {
+  void OnSeriesNameUpdate(SeriesNameFormatter& f, const UpdateHint&) override {
+    ++calls;
+    static const SeriesID& weekly = SampleSeries(kCmeA, "ESW1H4");
+    static const FormatContractConfig config = [] {
+      FormatContractConfig c = DefaultFormatContractConfig;
+      c.useCustomName = false;
+      return c;
+    }();
+    std::string out;
+    f.FormatContract(weekly, out, config);
+    misnamed += out != "E-mini S&P 500 07Mar14" && out != "ES 07Mar14" &&
+                out != "E-mini S&P 500 Week 1 Mar14" &&
+                out != "ES Week 1 Mar14";
+    std::this_thread::yield();  // widen the window
+    late += detached.load();
   }
-  stop = true;
-  notifier.join();
+  void OnSeriesNameFormatterDestroy(SeriesNameFormatter&) override {}
+  std::atomic<bool> detached{false};
+  std::atomic<int> calls{0}, late{0}, misnamed{0};
+};
+
+// The user's thread adds, renames and removes names while another thread
+// flips the switches, each step one notification, and two threads attach and
+// detach short-lived observers all the while, freeing each as soon as
+// Detach returns. None is called after that. One attached throughout hears
+// every notification; a short-lived one hears at least those that ran
+// wholly while it was attached, and at most those that overlapped that time.
+TEST_F(RegistryTest, ConcurrencyObserversComeAndGoDuringNotifications) {
+  constexpr int kSteps = 1500, kVisits = 1000;  // three notifications a step
+  std::atomic<int> started{0}, finished{0}, heard{0}, late{0}, tooFew{0},
+      tooMany{0};
+  auto notify = [&](auto&& step) {  // each step must notify: see the count
+    ++started;
+    step();
+    ++finished;
+  };
+  Formatter().SetSeriesNameEnabled(kCmeA, false);
+  CountingObserver steady;
+  ASSERT_TRUE(Formatter().Attach(&steady));
+  const SeriesID series[] = {Es(), Nq()};
+  std::latch go(4);
+  std::vector<std::thread> threads;
+  threads.emplace_back([&] {  // the user's thread
+    go.arrive_and_wait();
+    for (int i = 0; i < kSteps; ++i) {
+      const SeriesID& s = series[i % 2];
+      const std::string n = std::to_string(i), r = "r" + n;
+      notify([&] { Formatter().AddCustomSeriesName(s, n.c_str()); });
+      notify([&] { Formatter().ChangeCustomSeriesName(s, r.c_str()); });
+      notify([&] { Formatter().RemoveCustomSeriesName(s); });
+    }
+  });
+  threads.emplace_back([&] {
+    go.arrive_and_wait();
+    SeriesNameFormatter& f = Formatter();  // each flip is a change
+    for (int i = 0; i < kSteps; ++i) {
+      notify([&] { f.SetSeriesNameEnabled(!f.IsSeriesNameEnabled()); });
+      notify([&] { f.SetSeriesNameEnabled(kCmeA, i % 2 == 0); });
+      notify([&] { f.SetProductNameEnabled(!f.IsProductNameEnabled()); });
+    }
+  });
+  for (int t = 0; t < 2; ++t) {
+    threads.emplace_back([&] {
+      go.arrive_and_wait();
+      for (int i = 0; i < kVisits; ++i) {
+        auto observer = std::make_unique<CountingObserver>();
+        const int before = finished.load();
+        EXPECT_TRUE(Formatter().Attach(observer.get()));
+        const int from = started.load();
+        std::this_thread::yield();
+        const int to = finished.load();
+        EXPECT_TRUE(Formatter().Detach(observer.get()));
+        observer->detached = true;
+        tooFew += observer->calls < to - from;
+        tooMany += observer->calls > started.load() - before;
+        std::this_thread::yield();
+        heard += observer->calls;
+        late += observer->late + observer->misnamed;
+      }  // freed at once: a late call would also be a use after free
+    });
+  }
+  for (std::thread& t : threads) t.join();
+  EXPECT_TRUE(Formatter().Detach(&steady));
+  EXPECT_EQ(steady.calls.load(), 6 * kSteps);
+  EXPECT_EQ(steady.misnamed.load(), 0);
+  EXPECT_GT(heard.load(), 0);  // the short-lived ones did overlap notices
+  EXPECT_EQ(late.load(), 0);   // and no contract misnamed
+  EXPECT_EQ(tooFew.load(), 0);
+  EXPECT_EQ(tooMany.load(), 0);
 }
 
 constexpr char kCorruption[] =
@@ -579,47 +638,27 @@ TEST_F(NamesFileTest, DamageThrowsAndTheReaderStaysFailed) {
   EXPECT_THROW(reader.ReadVersion(version), BinaryArchiveError);
 }
 
-// Saves are killed at random moments many times; each time the file is the
-// old one or a new one, and whole.
+// A child process renames one contract back and forth, each change saving
+// the names file through the archiver, and is killed at random moments.
+// After every kill the file is the one from before or after a change, and
+// the formatter loads it. The name is long so that a save takes some time.
 TEST_F(NamesFileTest, AKilledSaveLeavesTheOldOrTheNewFileWhole) {
-  auto save = [&](int generation) {
-    std::vector<FileEntry> entries;
-    for (int j = 0; j <= generation % 40; ++j) {
-      entries.push_back(
-          {Key(8, "NQH4"), Date(), false,
-           "g" + std::to_string(generation) + "-" +
-               std::string(static_cast<std::size_t>(j * 7), 'x')});
-    }
-    WriteNamesFile(path_, static_cast<int>(entries.size()), entries);
+  Open();
+  const SeriesID series = Key(8, "NQH4");
+  const std::string oldName(100000, 'o'), newName(100000, 'n');
+  ASSERT_TRUE(Formatter().AddCustomSeriesName(series, "first"));
+  nvshared::testing::KillRun run("names file", path_, 1801);
+  run.save = [&](bool toNew) {
+    return Formatter().ChangeCustomSeriesName(
+        series, (toNew ? newName : oldName).c_str());
   };
-  save(0);
-  std::mt19937 random(12345);
-  int replaced = 0;
-  for (int round = 0; round < 40; ++round) {
-    const std::string before = nvshared::testing::ReadFile(path_);
-    const pid_t child = fork();
-    ASSERT_GE(child, 0);
-    if (child == 0) {
-      for (int generation = 1;; ++generation) save(generation);
-    }
-    std::this_thread::sleep_for(
-        std::chrono::microseconds(random() % 20000 + 100));
-    ::kill(child, SIGKILL);
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    const std::string after = nvshared::testing::ReadFile(path_);
-    if (after != before) ++replaced;
-    std::vector<FileEntry> entries;
-    ASSERT_NO_THROW(entries = ReadNamesFile(path_)) << "round " << round;
-    ASSERT_FALSE(entries.empty());
-    // One generation throughout: nothing of two saves is mixed.
-    const std::string generation =
-        entries[0].name.substr(0, entries[0].name.find('-'));
-    for (const FileEntry& e : entries) {
-      EXPECT_EQ(e.name.substr(0, e.name.find('-')), generation);
-    }
-  }
-  EXPECT_GT(replaced, 0);
+  run.load = [&](bool isNew) {
+    log_->Clear();
+    Restart();
+    ASSERT_EQ(Peer::Size(), 1u);
+    EXPECT_EQ(Formatter().GetCustomName(series), isNew ? newName : oldName);
+  };
+  nvshared::testing::ExpectKilledSavesLeaveOldOrNew(run);
 }
 
 struct TrimCase {

@@ -2,6 +2,8 @@
 
 #include <atomic>
 #include <functional>
+#include <latch>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <thread>
@@ -65,72 +67,77 @@ TEST(ExceptionHandler, RaiseReachesEachRegisteredHandlerOnceInOrder) {
             (std::vector<std::string>{"last 1:a", "first 2:", "last 2:"}));
 }
 
-class Counting : public ExceptionHandler {
- public:
-  void OnException(unsigned int, const char*) override { ++count; }
-  std::atomic<int> count{0};
-};
-
-// Reports raised on several threads while another registers and removes a
-// handler: a handler registered throughout hears every report once.
-TEST(ExceptionHandlerConcurrency, RaiseWhileRegistering) {
-  ReportCapture restorer;  // puts the chain back as it was
-  ExceptionHandler::RemoveExceptionHandler(ExceptionHandler::s_defaultHandler);
-  Counting steady, coming;
-  ExceptionHandler::AddExceptionHandler(steady);
-
-  constexpr int kThreads = 4;
-  constexpr int kPerThread = 500;
-  std::vector<std::thread> threads;
-  for (int t = 0; t < kThreads; ++t) {
-    threads.emplace_back([] {
-      for (int i = 0; i < kPerThread; ++i) ExceptionHandler::Raise(1, "x");
-    });
-  }
-  threads.emplace_back([&coming] {
-    for (int i = 0; i < kPerThread; ++i) {
-      ExceptionHandler::AddExceptionHandler(coming);
-      ExceptionHandler::RemoveExceptionHandler(coming);
-    }
-  });
-  for (std::thread& t : threads) t.join();
-  EXPECT_EQ(steady.count, kThreads * kPerThread);
-}
-
-// A host removes a handler and deletes it at once, while other threads keep
-// raising. No call may still be inside the handler when it is deleted:
-// under AddressSanitizer that would be a use after free, and the flag below
-// catches it in a plain build.
-TEST(ExceptionHandlerConcurrency, RemovedHandlerMayBeDeletedAtOnce) {
-  struct Slow : ExceptionHandler {
+// Three threads raise while two others add handlers, remove them and delete
+// them at once. The two handlers registered throughout hear every report
+// exactly once. A short-lived one is never entered after its removal has
+// returned (in a sanitizer build that would also be a use after free), hears
+// at least the reports raised wholly while it was registered, and at most
+// those that overlapped that time.
+TEST(ExceptionHandlerConcurrency, RaiseWhileHandlersComeAndGo) {
+  constexpr int kRaisers = 3, kPerRaiser = 5000, kChurners = 2, kVisits = 2000;
+  struct Steady : ExceptionHandler {
+    std::vector<std::atomic<int>> hits =
+        std::vector<std::atomic<int>>(kRaisers * kPerRaiser);
+    void OnException(unsigned int code, const char*) override { ++hits[code]; }
+  };
+  struct ShortLived : ExceptionHandler {
     std::atomic<bool> removed{false};
-    std::atomic<int>* lateCalls = nullptr;
+    std::atomic<int> calls{0}, late{0};
     void OnException(unsigned int, const char*) override {
       std::this_thread::yield();  // widen the window
-      if (removed.load()) lateCalls->fetch_add(1);
+      late += removed.load();
+      ++calls;
     }
   };
   ReportCapture restorer;  // puts the chain back as it was
   ExceptionHandler::RemoveExceptionHandler(ExceptionHandler::s_defaultHandler);
-  std::atomic<bool> done{false};
-  std::atomic<int> lateCalls{0};
-  std::vector<std::thread> raisers;
-  for (int t = 0; t < 2; ++t) {
-    raisers.emplace_back([&done] {
-      while (!done.load()) ExceptionHandler::Raise(2, "y");
+  Steady first, last;
+  ExceptionHandler::AddExceptionHandler(first);
+  ExceptionHandler::AddExceptionHandler(last);
+  std::atomic<int> started{0}, finished{0}, heard{0}, late{0}, tooFew{0},
+      tooMany{0};
+  std::latch go(kRaisers + kChurners);
+  std::vector<std::thread> threads;
+  for (int t = 0; t < kRaisers; ++t) {
+    threads.emplace_back([&, t] {
+      go.arrive_and_wait();
+      for (int i = 0; i < kPerRaiser; ++i) {
+        ++started;
+        ExceptionHandler::Raise(t * kPerRaiser + i, "x");
+        ++finished;
+      }
     });
   }
-  for (int i = 0; i < 2000; ++i) {
-    auto handler = std::make_unique<Slow>();
-    handler->lateCalls = &lateCalls;
-    ExceptionHandler::AddExceptionHandler(*handler);
-    std::this_thread::yield();
-    ExceptionHandler::RemoveExceptionHandler(*handler);
-    handler->removed.store(true);
+  for (int t = 0; t < kChurners; ++t) {
+    threads.emplace_back([&] {
+      go.arrive_and_wait();
+      for (int i = 0; i < kVisits; ++i) {
+        auto handler = std::make_unique<ShortLived>();
+        const int before = finished.load();
+        ExceptionHandler::AddExceptionHandler(*handler);
+        const int from = started.load();
+        std::this_thread::yield();
+        const int to = finished.load();
+        ExceptionHandler::RemoveExceptionHandler(*handler);
+        handler->removed = true;
+        tooFew += handler->calls < to - from;
+        tooMany += handler->calls > started.load() - before;
+        std::this_thread::yield();
+        heard += handler->calls;
+        late += handler->late;
+      }  // deleted at once
+    });
   }
-  done.store(true);
-  for (std::thread& t : raisers) t.join();
-  EXPECT_EQ(lateCalls.load(), 0);
+  for (std::thread& t : threads) t.join();
+  int wrong = 0;
+  for (int code = 0; code < kRaisers * kPerRaiser; ++code) {
+    wrong += first.hits[code] != 1 || last.hits[code] != 1;
+  }
+  EXPECT_EQ(wrong, 0);
+  EXPECT_GT(heard.load(), 0);  // the short-lived ones did overlap reports
+  EXPECT_EQ(late.load(), 0);
+  EXPECT_EQ(tooFew.load(), 0);
+  EXPECT_EQ(tooMany.load(), 0);
 }
 
 TEST(ExceptionHandler, HandlerMayRemoveItselfWhileRunning) {

@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "nvshared/testing/kill_during_save.h"
 #include "nvshared/testing/temp_dir.h"
 
 namespace {
@@ -141,6 +142,26 @@ TEST_F(RegistryMgrTest, ConcurrencyWritersAndReaders) {
     EXPECT_EQ(
         Store().ReadRegInt("Threads", "V" + std::to_string(t) + "_49", -1), 49);
   }
+}
+
+// A child process writes one large value back and forth, each write
+// replacing the store's file, and is killed at random moments. After every
+// kill the file is the store from before or after a write, and binds.
+TEST_F(RegistryMgrTest, AKilledWriteLeavesTheOldOrTheNewFileWhole) {
+  const std::string oldText(200000, 'o'), newText(200000, 'n');
+  nvshared::testing::KillRun run("settings store", dir_.path() / "settings.ini",
+                                 5101);
+  ASSERT_TRUE(Store().SetFilePath(run.path).ok());
+  run.save = [&](bool toNew) {
+    return Store().WriteRegString("Kill", "Value", toNew ? newText : oldText);
+  };
+  run.load = [&](bool isNew) {
+    Store().Clear();
+    ASSERT_TRUE(Store().SetFilePath(run.path).ok());
+    EXPECT_EQ(Store().ReadRegString("Kill", "Value", ""),
+              isNew ? newText : oldText);
+  };
+  nvshared::testing::ExpectKilledSavesLeaveOldOrNew(run);
 }
 
 }  // namespace
