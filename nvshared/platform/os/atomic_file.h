@@ -27,7 +27,9 @@ StatusOr<std::string> ReadWholeFile(const std::string& path);
 // it); a file that did not exist gets 0666 less the umask. A symbolic link
 // is followed: the file it names is replaced and the link stays. A target
 // that exists but is not a regular file is refused. On error the old file
-// is untouched and the temporary file removed.
+// is untouched and the temporary file removed. After a success, temporaries
+// of `path` left by processes that were killed while saving (named
+// "<path>.tmp.<pid>.<n>", the process gone) are removed.
 Status ReplaceFileAtomically(const std::string& path,
                              std::string_view contents);
 

@@ -3,7 +3,9 @@
 #include <climits>
 #include <cstring>
 
+#include <dirent.h>
 #include <fcntl.h>
+#include <signal.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -85,6 +87,37 @@ int CreateTemporary(const std::string& path, std::string& temp) {
   return -1;
 }
 
+// A process killed between creating its temporary and the rename leaves the
+// temporary behind. Once a save has succeeded, the temporaries of `target`
+// whose process no longer exists are removed; those of live processes (a
+// save under way elsewhere) are left alone.
+void RemoveStrayTemporaries(const std::string& target) {
+  const std::string dir = DirectoryOf(target);
+  const std::string prefix =
+      target.substr(
+          target.rfind('/') == std::string::npos ? 0 : target.rfind('/') + 1) +
+      ".tmp.";
+  DIR* listing = ::opendir(dir.c_str());
+  if (listing == nullptr) return;
+  while (const dirent* entry = ::readdir(listing)) {
+    const std::string_view name = entry->d_name;
+    if (name.substr(0, prefix.size()) != prefix) continue;
+    // <prefix><pid>.<counter>, both decimal.
+    const std::string_view rest = name.substr(prefix.size());
+    const std::size_t dot = rest.find('.');
+    if (dot == 0 || dot == std::string_view::npos || dot > 9 ||
+        dot + 1 == rest.size() ||
+        rest.find_first_not_of("0123456789.") != std::string_view::npos ||
+        rest.find('.', dot + 1) != std::string_view::npos) {
+      continue;
+    }
+    const pid_t pid = static_cast<pid_t>(std::stol(std::string(rest, 0, dot)));
+    if (pid <= 0 || ::kill(pid, 0) == 0 || errno != ESRCH) continue;
+    ::unlink((dir + "/" + std::string(name)).c_str());
+  }
+  ::closedir(listing);
+}
+
 }  // namespace
 
 Status ReplaceFileAtomically(const std::string& path,
@@ -142,6 +175,7 @@ Status ReplaceFileAtomically(const std::string& path,
     ::fsync(dir);
     ::close(dir);
   }
+  RemoveStrayTemporaries(target);
   return Status::Ok();
 }
 

@@ -1,10 +1,12 @@
 #include "nvshared/platform/os/atomic_file.h"
 
 #include <filesystem>
+#include <set>
 #include <string>
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "nvshared/testing/temp_dir.h"
@@ -60,6 +62,33 @@ TEST(ReplaceFileAtomically, KeepsModeAndLinksAndRefusesOtherTargets) {
     ++entries;
   EXPECT_EQ(entries, 6);  // fresh, shared, real/, hop, link, folder/
   ::umask(oldMask);
+}
+
+// A save clears the temporaries of processes killed while saving the same
+// file; a live process's temporary, other files' and look-alikes stay.
+TEST(ReplaceFileAtomically, RemovesTemporariesOfProcessesThatAreGone) {
+  TempDir dir;
+  const pid_t child = ::fork();
+  if (child == 0) ::_exit(0);
+  ASSERT_GT(child, 0);
+  ::waitpid(child, nullptr, 0);
+  const std::string dead = std::to_string(child);
+  const std::string live = std::to_string(::getppid());
+  for (const std::string& name :
+       {"names.tmp." + dead + ".0", "names.tmp." + dead + ".17",
+        "names.tmp." + live + ".0", "other.tmp." + dead + ".0",
+        "names.tmp." + dead, "names.tmp.x" + dead + ".0"}) {
+    dir.WriteFile(name, "partial");
+  }
+  ASSERT_TRUE(ReplaceFileAtomically(dir.path() / "names", "whole").ok());
+  std::set<std::string> left;
+  for (const auto& entry : fs::directory_iterator(dir.path())) {
+    left.insert(entry.path().filename().string());
+  }
+  EXPECT_EQ(left,
+            (std::set<std::string>{
+                "names", "names.tmp." + live + ".0", "other.tmp." + dead + ".0",
+                "names.tmp." + dead, "names.tmp.x" + dead + ".0"}));
 }
 
 }  // namespace
