@@ -15,6 +15,7 @@
 #include <sstream>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <tuple>
 #include <vector>
 
@@ -554,9 +555,19 @@ void ShutDown() {
 
 int RunHost(const HostOptions& options) {
   static HostState state;
+  if (g_host != nullptr) {
+    *options.out << "host walk-through: it runs once per process\n";
+    return 1;
+  }
   state.options = options;
   g_host = &state;
-  fs::create_directories(options.workDir);
+  std::error_code ec;
+  fs::create_directories(options.workDir, ec);
+  if (ec) {
+    *options.out << "host walk-through: cannot make the work directory "
+                 << options.workDir << ": " << ec.message() << "\n";
+    return 1;
+  }
   // Before anything touches the formatter: see ShutDown.
   std::atexit(&ShutDown);
 
