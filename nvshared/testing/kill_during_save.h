@@ -42,8 +42,9 @@ struct KillRun {
 // then be the old or the new one, byte for byte, and `load` is called.
 // Stops at the first fatal failure. Expects both contents among the
 // outcomes (so saves did complete between kills) and at most one temporary
-// file left beside `path` per kill (write-then-rename leaves one when the
-// kill falls inside a save). Prints one summary line with the kills, the
+// file left beside `path` per kill (a kill inside a save leaves one; the
+// next completed save removes those of killed processes, so only the last
+// kills' are normally left). Prints one summary line with the kills, the
 // time, the outcomes and the temporaries.
 void ExpectKilledSavesLeaveOldOrNew(const KillRun& run);
 
