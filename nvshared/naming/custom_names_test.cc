@@ -296,10 +296,18 @@ struct CountingObserver : SeriesNameFormatterObserver {
 // Detach returns. None is called after that. One attached throughout hears
 // every notification; a short-lived one hears at least those that ran
 // wholly while it was attached, and at most those that overlapped that time.
+// The notifiers go on until the observers' threads are done, and those go on
+// until one of theirs has heard a notice, so that the two overlap however
+// the threads are scheduled.
 TEST_F(RegistryTest, ConcurrencyObserversComeAndGoDuringNotifications) {
-  constexpr int kSteps = 1500, kVisits = 1000;  // three notifications a step
+  constexpr int kSteps = 1500, kMaxSteps = 100000;  // three notices a step
+  constexpr int kVisits = 1000, kMaxVisits = 50000;
   std::atomic<int> started{0}, finished{0}, heard{0}, late{0}, tooFew{0},
-      tooMany{0};
+      tooMany{0}, visiting{2};
+  int steps[2] = {0, 0};
+  const auto more = [&](int i) {
+    return i < kMaxSteps && (i < kSteps || visiting > 0);
+  };
   auto notify = [&](auto&& step) {  // each step must notify: see the count
     ++started;
     step();
@@ -313,27 +321,31 @@ TEST_F(RegistryTest, ConcurrencyObserversComeAndGoDuringNotifications) {
   std::vector<std::thread> threads;
   threads.emplace_back([&] {  // the user's thread
     go.arrive_and_wait();
-    for (int i = 0; i < kSteps; ++i) {
+    int i = 0;
+    for (; more(i); ++i) {
       const SeriesID& s = series[i % 2];
       const std::string n = std::to_string(i), r = "r" + n;
       notify([&] { Formatter().AddCustomSeriesName(s, n.c_str()); });
       notify([&] { Formatter().ChangeCustomSeriesName(s, r.c_str()); });
       notify([&] { Formatter().RemoveCustomSeriesName(s); });
     }
+    steps[0] = i;
   });
   threads.emplace_back([&] {
     go.arrive_and_wait();
     SeriesNameFormatter& f = Formatter();  // each flip is a change
-    for (int i = 0; i < kSteps; ++i) {
+    int i = 0;
+    for (; more(i); ++i) {
       notify([&] { f.SetSeriesNameEnabled(!f.IsSeriesNameEnabled()); });
       notify([&] { f.SetSeriesNameEnabled(kCmeA, i % 2 == 0); });
       notify([&] { f.SetProductNameEnabled(!f.IsProductNameEnabled()); });
     }
+    steps[1] = i;
   });
   for (int t = 0; t < 2; ++t) {
     threads.emplace_back([&] {
       go.arrive_and_wait();
-      for (int i = 0; i < kVisits; ++i) {
+      for (int i = 0; i < kVisits || (heard == 0 && i < kMaxVisits); ++i) {
         auto observer = std::make_unique<CountingObserver>();
         const int before = finished.load();
         EXPECT_TRUE(Formatter().Attach(observer.get()));
@@ -348,11 +360,12 @@ TEST_F(RegistryTest, ConcurrencyObserversComeAndGoDuringNotifications) {
         heard += observer->calls;
         late += observer->late + observer->misnamed;
       }  // freed at once: a late call would also be a use after free
+      --visiting;
     });
   }
   for (std::thread& t : threads) t.join();
   EXPECT_TRUE(Formatter().Detach(&steady));
-  EXPECT_EQ(steady.calls.load(), 6 * kSteps);
+  EXPECT_EQ(steady.calls.load(), 3 * (steps[0] + steps[1]));
   EXPECT_EQ(steady.misnamed.load(), 0);
   EXPECT_GT(heard.load(), 0);  // the short-lived ones did overlap notices
   EXPECT_EQ(late.load(), 0);   // and no contract misnamed

@@ -72,12 +72,15 @@ TEST(ExceptionHandler, RaiseReachesEachRegisteredHandlerOnceInOrder) {
 // exactly once. A short-lived one is never entered after its removal has
 // returned (in a sanitizer build that would also be a use after free), hears
 // at least the reports raised wholly while it was registered, and at most
-// those that overlapped that time.
+// those that overlapped that time. The raisers go on until the churners are
+// done, and the churners go on until one of theirs has heard a report, so
+// that the two overlap however the threads are scheduled.
 TEST(ExceptionHandlerConcurrency, RaiseWhileHandlersComeAndGo) {
-  constexpr int kRaisers = 3, kPerRaiser = 5000, kChurners = 2, kVisits = 2000;
+  constexpr int kRaisers = 3, kPerRaiser = 5000, kMaxPerRaiser = 100000,
+                kChurners = 2, kVisits = 2000, kMaxVisits = 50000;
   struct Steady : ExceptionHandler {
     std::vector<std::atomic<int>> hits =
-        std::vector<std::atomic<int>>(kRaisers * kPerRaiser);
+        std::vector<std::atomic<int>>(kRaisers * kMaxPerRaiser);
     void OnException(unsigned int code, const char*) override { ++hits[code]; }
   };
   struct ShortLived : ExceptionHandler {
@@ -95,23 +98,26 @@ TEST(ExceptionHandlerConcurrency, RaiseWhileHandlersComeAndGo) {
   ExceptionHandler::AddExceptionHandler(first);
   ExceptionHandler::AddExceptionHandler(last);
   std::atomic<int> started{0}, finished{0}, heard{0}, late{0}, tooFew{0},
-      tooMany{0};
+      tooMany{0}, churning{kChurners};
+  std::vector<int> raised(kRaisers);
   std::latch go(kRaisers + kChurners);
   std::vector<std::thread> threads;
   for (int t = 0; t < kRaisers; ++t) {
     threads.emplace_back([&, t] {
       go.arrive_and_wait();
-      for (int i = 0; i < kPerRaiser; ++i) {
+      int i = 0;
+      for (; i < kMaxPerRaiser && (i < kPerRaiser || churning > 0); ++i) {
         ++started;
-        ExceptionHandler::Raise(t * kPerRaiser + i, "x");
+        ExceptionHandler::Raise(t * kMaxPerRaiser + i, "x");
         ++finished;
       }
+      raised[t] = i;
     });
   }
   for (int t = 0; t < kChurners; ++t) {
     threads.emplace_back([&] {
       go.arrive_and_wait();
-      for (int i = 0; i < kVisits; ++i) {
+      for (int i = 0; i < kVisits || (heard == 0 && i < kMaxVisits); ++i) {
         auto handler = std::make_unique<ShortLived>();
         const int before = finished.load();
         ExceptionHandler::AddExceptionHandler(*handler);
@@ -126,12 +132,14 @@ TEST(ExceptionHandlerConcurrency, RaiseWhileHandlersComeAndGo) {
         heard += handler->calls;
         late += handler->late;
       }  // deleted at once
+      --churning;
     });
   }
   for (std::thread& t : threads) t.join();
   int wrong = 0;
-  for (int code = 0; code < kRaisers * kPerRaiser; ++code) {
-    wrong += first.hits[code] != 1 || last.hits[code] != 1;
+  for (int code = 0; code < kRaisers * kMaxPerRaiser; ++code) {
+    const int want = code % kMaxPerRaiser < raised[code / kMaxPerRaiser];
+    wrong += first.hits[code] != want || last.hits[code] != want;
   }
   EXPECT_EQ(wrong, 0);
   EXPECT_GT(heard.load(), 0);  // the short-lived ones did overlap reports
